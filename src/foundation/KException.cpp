@@ -1,0 +1,13 @@
+#include "KException.h"
+
+namespace Korvel {
+
+KException::KException(const char* text) : message(text) {}
+
+KException::KException(const KException& other) = default;
+
+KException::~KException() = default;
+
+const char* KException::ErrorText() const noexcept { return message.c_str(); }
+
+}  // namespace Korvel

@@ -1,0 +1,292 @@
+#pragma once
+
+/// \file
+/// The public interface of KorvelAccessLibrary: the access layer, the arrays it owns and the volumes they own.
+///
+/// Every operation returns a KStatus as an int unless it says otherwise. Results come back through reference arguments;
+/// a pointer that is handed out points into an object that the library owns and stays valid until its owner is
+/// destroyed. An empty or null argument throws std::invalid_argument; a failure of the transport, the HTTP status, the
+/// array or the registry throws KException. Nothing here takes a lock: an access layer and all it owns belong to one
+/// thread at a time.
+
+#include <list>
+#include <string>
+
+#include "../foundation/KException.h"
+#include "../foundation/KExport.h"
+#include "../foundation/KStatus.h"
+
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4251)  // standard classes in an exported class: caller and library share one runtime
+#endif
+
+namespace Korvel {
+
+class KArray;
+class KConnection;
+class KServer;
+class KSnapshot;
+class KVolume;
+
+/// The entry point: finds the arrays configured in the registry and owns them.
+///
+/// Copying and assigning are shallow: a copy holds the same arrays, and each destructor deletes every array in its own
+/// list, so only one of the two may be destroyed. Kept: shallow-copies.
+class KORVEL_API KAccessLayer {
+public:
+    KAccessLayer();
+    KAccessLayer(const KAccessLayer& other);
+    KAccessLayer& operator=(const KAccessLayer& other);
+
+    /// Destroys every array of the layer with all they own.
+    ~KAccessLayer();
+
+    /// Prepares the process for requests. Call it once, before the first request and while no other thread runs one.
+    static void GlobalInit();
+
+    /// Undoes GlobalInit. Call it once, after the last access layer is gone.
+    static void GlobalCleanup();
+
+    /// Creates one array for every address configured in the registry. Addresses that are already present are not
+    /// skipped; Refresh is the operation for a second look.
+    /// @return 0, or 1 when the registry could not be read or a key is empty: the cause is in the log, and the arrays
+    ///         created before it stay
+    int DiscoverArrays();
+
+    /// Adds an array for every address in the registry that no array of this layer has. Removes none and re-reads no
+    /// key.
+    /// @return as DiscoverArrays
+    int Refresh();
+
+    /// Replaces the contents of a list with the arrays of this layer, in the order of their creation.
+    /// @param arrays receives pointers that stay the layer's own
+    /// @return 0
+    int GetArrays(std::list<KArray*>& arrays);
+
+    /// Checks an address and access key by listing the array's drives. Needs no registry entry.
+    /// @param arrayIP the address or host name; not changed
+    /// @param accessKey the access key; not changed
+    /// @return 0 when the array answered with a drive list, 1 when its reply held none
+    /// @throws std::invalid_argument when either text is empty
+    /// @throws KException when the array cannot be reached or answers with any HTTP status but 200 (a refused key)
+    int ValidateArray(std::string& arrayIP, std::string& accessKey);
+
+private:
+    std::list<KArray*> arrays;
+};
+
+/// One storage array: its connection, and the servers and volumes found on it so far.
+///
+/// The lookups come in pairs. The plain one searches memory and makes no request; its twin FromArray asks the array and
+/// adds what it finds. The library never chains them: call the twin after the plain one has returned 2. A FromArray
+/// lookup decides that nothing was found by testing its out-pointer, so pass it set to null.
+///
+/// Copying and assigning are shallow: both objects then own the same things, and only one may be destroyed.
+/// Kept: shallow-copies.
+class KORVEL_API KArray {
+public:
+    /// @param ipAddress the array's address or host name, at most 232 characters
+    /// @param accessKey the array's access key, at most 241 characters
+    /// @throws std::invalid_argument when either is empty
+    KArray(const std::string& ipAddress, const std::string& accessKey);
+    KArray(const KArray& other);
+    KArray& operator=(const KArray& other);
+
+    /// Destroys the connection, the servers and the volumes.
+    ~KArray();
+
+    /// Hands out the array's connection, which stays the array's own. Returns 0.
+    int GetConnection(KConnection*& connection);
+
+    /// Hands out the array's own address text, not a copy. Returns 0.
+    int GetIPAddress(std::string*& ipAddress);
+
+    /// Appends a volume and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    int AddVolumeToList(KVolume* volume);
+
+    /// Appends a server and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    int AddServerToList(KServer* server);
+
+    /// Finds a known volume by its identifier.
+    /// @param volID the volume's identifier, compared exactly
+    /// @param volume receives the first match, owned by the array; unchanged on a miss
+    /// @return 0, or 2 when no known volume matches
+    /// @throws std::invalid_argument when the identifier is empty
+    int GetVolumeByID(const std::string& volID, KVolume*& volume);
+
+    /// Finds a volume on the array by its IEEE identifier and adds it to the known volumes.
+    /// @param volID the IEEE identifier, compared exactly
+    /// @param volume pass it null; receives the new volume, owned by the array; unchanged on a miss
+    /// @return 0, or 2 when the array lists no such volume
+    /// @throws std::invalid_argument when the identifier is empty or the array's record lacks a field
+    /// @throws KException when the request fails
+    int GetVolumeByIDFromArray(const std::string& volID, KVolume*& volume);
+
+    /// Finds a known volume by its display name; otherwise as GetVolumeByID.
+    int GetVolumeByDispName(const std::string& volDispName, KVolume*& volume);
+
+    /// Finds a volume on the array by its display name; otherwise as GetVolumeByIDFromArray. The new volume's
+    /// identifier is the array's product identifier, not the IEEE identifier. Kept: two-volume-identifiers.
+    int GetVolumeByDispNameFromArray(const std::string& volDispName, KVolume*& volume);
+
+    /// Finds the known volume that has a known snapshot; otherwise as GetVolumeByID.
+    /// @param snapID the snapshot's identifier (its name on the array)
+    int GetVolumeBySnapID(const std::string& snapID, KVolume*& volume);
+
+    /// Finds the volume on the array whose consistency group has a snapshot, and records that snapshot for it;
+    /// otherwise as GetVolumeByIDFromArray. Asks for the snapshots of one volume's group after the other.
+    /// @param snapID the snapshot's identifier (its name on the array)
+    int GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volume);
+
+    /// Makes a new volume from a snapshot and adds it to the known volumes.
+    /// @param cgID the consistency group's identifier
+    /// @param snapID the snapshot's identifier
+    /// @param volume receives the clone, owned by the array; unchanged on failure
+    /// @return 0, or the status of the reply that held no answer
+    /// @throws std::invalid_argument when an argument is empty
+    /// @throws KException when a request fails or the array refuses; its text is then the array's own message
+    int CloneVolume(const std::string& cgID, const std::string& snapID, KVolume*& volume);
+
+    /// Maps a volume to a server.
+    /// @param volName the volume's name on the array, not its display name
+    /// @param serverID the array's identifier of the server, as GetServerIDByIQN gives it
+    /// @return 0, or 1 when the reply held no answer
+    /// @throws std::invalid_argument when an argument is empty
+    /// @throws KException when the request fails or the array refuses
+    int AttachVolume(const std::string& volName, const std::string& serverID);
+
+    /// Unmaps a volume from a server; otherwise as AttachVolume.
+    int DetachVolume(const std::string& volName, const std::string& serverID);
+
+    /// Deletes a volume on the array and forgets the first known volume of that name: pointers to it are then invalid.
+    /// @param volName the volume's name on the array, not its display name
+    /// @return 0, or 1 when the reply held no answer
+    /// @throws std::invalid_argument when the name is empty
+    /// @throws KException when the request fails or the array refuses
+    int DeleteVolume(const std::string& volName);
+
+    /// Rolls a volume's consistency group back to a snapshot.
+    /// @param snapID the snapshot's identifier
+    /// @param volume the volume to roll back; not changed
+    /// @return 0, or 1 when the reply held no answer
+    /// @throws std::invalid_argument when the identifier is empty or the volume null
+    /// @throws KException when the request fails or the array refuses
+    int ResyncVolume(const std::string& snapID, KVolume* const& volume);
+
+    /// Finds a known server by its initiator name. Of several, the last one counts. Kept: last-server-wins.
+    /// @param hostIQN the iSCSI initiator name (IQN), compared exactly
+    /// @param serverID receives the array's identifier of the server; unchanged on a miss
+    /// @return 0, or 2 when no known server matches
+    /// @throws std::invalid_argument when the initiator name is empty
+    int GetServerIDByIQN(const std::string& hostIQN, std::string& serverID);
+
+    /// Finds a server on the array by its initiator name, creates it there when it is missing, and adds it to the known
+    /// servers.
+    /// @param hostIQN the iSCSI initiator name (IQN), compared exactly
+    /// @param serverID receives the array's identifier of the server
+    /// @return 0, or 1 when a reply held no answer
+    /// @throws std::invalid_argument when the initiator name is empty, the array has no server whose iSCSI address the
+    ///         new one could take, or the array's reply names none
+    /// @throws KException when a request fails or the array refuses
+    int GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID);
+
+private:
+    std::string* ipAddress;
+    std::string* accessKey;
+    KConnection* connection;
+    std::list<KServer*> serverList;
+    std::list<KVolume*> volumeList;
+};
+
+/// One volume of an array, with the snapshots of its consistency group that the library knows.
+///
+/// Copying and assigning are shallow: both objects then own the same things, and only one may be destroyed.
+/// Kept: shallow-copies.
+class KORVEL_API KVolume {
+public:
+    /// @param volumeID the array's identifier of the volume
+    /// @param volumeName the volume's name on the array, which the commands take
+    /// @param volumeDispName the volume's display name
+    /// @param cgID the identifier of the volume's consistency group
+    /// @throws std::invalid_argument when one of them is empty
+    KVolume(const std::string& volumeID, const std::string& volumeName, const std::string& volumeDispName,
+            const std::string& cgID);
+    KVolume(const KVolume& other);
+    KVolume& operator=(const KVolume& other);
+
+    /// Destroys the volume's snapshot objects; the array keeps its snapshots.
+    ~KVolume();
+
+    /// Takes one consistent set of snapshots, one for each pair of a volume and its consistency group.
+    /// @param array the array that holds the volumes; not null
+    /// @param volNames the volumes' names on the array; neither changed nor kept
+    /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
+    ///        ignored
+    /// @param snapNames receives, at its end, the snapshot names that the array reports; not null
+    /// @return 0, or 1 when the reply held no answer
+    /// @throws std::invalid_argument when a name is empty; nothing is sent then
+    /// @throws KException when the request fails or the array refuses
+    static int CreateSnapshotSet(KArray* array, const std::list<std::string*>& volNames,
+                                 const std::list<std::string*>& cgNames, std::list<std::string>* snapNames);
+
+    /// Hands out the volume's own identifier text, not a copy. Returns 0.
+    int GetVolumeID(std::string*& volumeID);
+
+    /// Copies the volume's name, up to its first zero byte. Returns 0.
+    int GetVolumeName(std::string& volumeName);
+
+    /// Copies the display name, up to its first zero byte. Returns 0.
+    int GetVolumeDispName(std::string& volumeDispName);
+
+    /// Copies the consistency group's identifier, up to its first zero byte. Returns 0.
+    int GetCgID(std::string& cgID);
+
+    /// Hands out the volume's own consistency group text, not a copy. Returns 0.
+    int GetCgIDPtr(std::string*& cgID);
+
+    /// Copies the identifier of the snapshot recorded last, up to its first zero byte; empty when none was. Returns 0.
+    int GetLatestSnapshotID(std::string& snapID);
+
+    /// Names the array that holds the volume; not owned. Returns 0.
+    int SetArray(KArray* array);
+
+    /// Replaces the identifier of the latest snapshot. Returns 0.
+    int SetLatestSnapshotID(const std::string& snapID);
+
+    /// Appends a snapshot and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    int AddSnapshotToList(KSnapshot* snapshot);
+
+    /// Tells whether a snapshot is recorded for this volume, without asking the array.
+    /// @param snapID the snapshot's identifier, compared exactly
+    /// @return 0, or 2 when it is not
+    int IsSnapAvailable(const std::string& snapID);
+
+    /// Records a snapshot that was just created and makes it the latest. A second record of one snapshot is not refused.
+    /// @param snapID the snapshot's identifier
+    /// @return 0
+    /// @throws std::invalid_argument when the identifier is empty
+    int AddCreatedSnapshot(const std::string& snapID);
+
+    /// Deletes a snapshot on the array and forgets the first record of it. The latest snapshot's identifier stays.
+    /// @param snapID the snapshot's identifier; not changed
+    /// @return 0, or 1 when the reply held no answer
+    /// @throws std::invalid_argument when the identifier is empty
+    /// @throws KException when the request fails or the array refuses
+    int DeleteSnapshot(std::string& snapID);
+
+private:
+    std::string* volumeID;
+    std::string* volumeName;
+    std::string* volumeDispName;
+    std::string* cgID;
+    std::string* latestSnapshotID;
+    KArray* array;
+    std::list<KSnapshot*> snapshotList;
+};
+
+}  // namespace Korvel
+
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif
