@@ -21,7 +21,7 @@ public:
     /// @param text the failure's text, zero-terminated; copied
     explicit KException(const char* text);
     KException(const KException& other);
-    KException& operator=(const KException& other) = delete;
+    KException& operator=(const KException& other);
     ~KException() override;
 
     /// @return the failure's text, zero-terminated; owned by the exception

@@ -60,9 +60,9 @@ public:
     int Refresh();
 
     /// Replaces the contents of a list with the arrays of this layer, in the order of their creation.
-    /// @param arrays receives pointers that stay the layer's own
+    /// @param known receives pointers that stay the layer's own
     /// @return 0
-    int GetArrays(std::list<KArray*>& arrays);
+    int GetArrays(std::list<KArray*>& known);
 
     /// Checks an address and access key by listing the array's drives. Needs no registry entry.
     /// @param arrayIP the address or host name; not changed
@@ -86,10 +86,10 @@ private:
 /// Kept: shallow-copies.
 class KORVEL_API KArray {
 public:
-    /// @param ipAddress the array's address or host name, at most 232 characters
-    /// @param accessKey the array's access key, at most 241 characters
+    /// @param address the array's address or host name, at most 232 characters
+    /// @param key the array's access key, at most 241 characters
     /// @throws std::invalid_argument when either is empty
-    KArray(const std::string& ipAddress, const std::string& accessKey);
+    KArray(const std::string& address, const std::string& key);
     KArray(const KArray& other);
     KArray& operator=(const KArray& other);
 
@@ -97,10 +97,10 @@ public:
     ~KArray();
 
     /// Hands out the array's connection, which stays the array's own. Returns 0.
-    int GetConnection(KConnection*& connection);
+    int GetConnection(KConnection*& ownConnection);
 
     /// Hands out the array's own address text, not a copy. Returns 0.
-    int GetIPAddress(std::string*& ipAddress);
+    int GetIPAddress(std::string*& ownAddress);
 
     /// Appends a volume and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
     int AddVolumeToList(KVolume* volume);
@@ -205,13 +205,12 @@ private:
 /// Kept: shallow-copies.
 class KORVEL_API KVolume {
 public:
-    /// @param volumeID the array's identifier of the volume
-    /// @param volumeName the volume's name on the array, which the commands take
-    /// @param volumeDispName the volume's display name
-    /// @param cgID the identifier of the volume's consistency group
+    /// @param id the array's identifier of the volume
+    /// @param name the volume's name on the array, which the commands take
+    /// @param dispName the volume's display name
+    /// @param group the identifier of the volume's consistency group
     /// @throws std::invalid_argument when one of them is empty
-    KVolume(const std::string& volumeID, const std::string& volumeName, const std::string& volumeDispName,
-            const std::string& cgID);
+    KVolume(const std::string& id, const std::string& name, const std::string& dispName, const std::string& group);
     KVolume(const KVolume& other);
     KVolume& operator=(const KVolume& other);
 
@@ -219,7 +218,7 @@ public:
     ~KVolume();
 
     /// Takes one consistent set of snapshots, one for each pair of a volume and its consistency group.
-    /// @param array the array that holds the volumes; not null
+    /// @param onArray the array that holds the volumes; not null
     /// @param volNames the volumes' names on the array; neither changed nor kept
     /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
     ///        ignored
@@ -227,29 +226,29 @@ public:
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when a name is empty; nothing is sent then
     /// @throws KException when the request fails or the array refuses
-    static int CreateSnapshotSet(KArray* array, const std::list<std::string*>& volNames,
+    static int CreateSnapshotSet(KArray* onArray, const std::list<std::string*>& volNames,
                                  const std::list<std::string*>& cgNames, std::list<std::string>* snapNames);
 
     /// Hands out the volume's own identifier text, not a copy. Returns 0.
-    int GetVolumeID(std::string*& volumeID);
+    int GetVolumeID(std::string*& ownID);
 
     /// Copies the volume's name, up to its first zero byte. Returns 0.
-    int GetVolumeName(std::string& volumeName);
+    int GetVolumeName(std::string& name);
 
     /// Copies the display name, up to its first zero byte. Returns 0.
-    int GetVolumeDispName(std::string& volumeDispName);
+    int GetVolumeDispName(std::string& dispName);
 
     /// Copies the consistency group's identifier, up to its first zero byte. Returns 0.
-    int GetCgID(std::string& cgID);
+    int GetCgID(std::string& group);
 
     /// Hands out the volume's own consistency group text, not a copy. Returns 0.
-    int GetCgIDPtr(std::string*& cgID);
+    int GetCgIDPtr(std::string*& ownGroup);
 
     /// Copies the identifier of the snapshot recorded last, up to its first zero byte; empty when none was. Returns 0.
     int GetLatestSnapshotID(std::string& snapID);
 
     /// Names the array that holds the volume; not owned. Returns 0.
-    int SetArray(KArray* array);
+    int SetArray(KArray* owner);
 
     /// Replaces the identifier of the latest snapshot. Returns 0.
     int SetLatestSnapshotID(const std::string& snapID);
@@ -262,7 +261,8 @@ public:
     /// @return 0, or 2 when it is not
     int IsSnapAvailable(const std::string& snapID);
 
-    /// Records a snapshot that was just created and makes it the latest. A second record of one snapshot is not refused.
+    /// Records a snapshot that was just created and makes it the latest. A second record of one snapshot is not
+    /// refused.
     /// @param snapID the snapshot's identifier
     /// @return 0
     /// @throws std::invalid_argument when the identifier is empty

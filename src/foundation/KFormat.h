@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+
+namespace Korvel {
+
+/// A printf format that the compiler has checked against the arguments it is used with.
+///
+/// Only a literal can become one, so no text from outside is ever a format. The conversions are those that the library
+/// needs: %s for texts, %d for int, %ld for long. Surplus arguments are ignored, as printf does.
+template <typename... Arguments>
+class KFormat {
+public:
+    consteval KFormat(const char* literal) : text(literal) {
+        constexpr const char* expected[] = {Conversion<Arguments>()..., nullptr};
+        const char* const* next = expected;
+        for (const char* at = literal; *at != '\0'; ++at) {
+            if (*at != '%') {
+                continue;
+            }
+            if (*next == nullptr) {
+                throw "the format has more conversions than arguments";
+            }
+            for (const char* wanted = *next++; *wanted != '\0'; ++wanted) {
+                if (*++at != *wanted) {
+                    throw "a conversion does not fit its argument";
+                }
+            }
+        }
+    }
+
+    /// @return the format as printf takes it
+    constexpr const char* Text() const { return text; }
+
+private:
+    template <typename Argument>
+    static consteval const char* Conversion() {
+        if constexpr (std::is_same_v<Argument, int>) {
+            return "d";
+        } else if constexpr (std::is_same_v<Argument, long>) {
+            return "ld";
+        } else {
+            static_assert(std::is_convertible_v<const Argument&, std::string> ||
+                              std::is_convertible_v<const Argument&, const char*>,
+                          "formats take texts, int and long");
+            return "s";
+        }
+    }
+
+    const char* text;
+};
+
+/// The format that goes with arguments deduced elsewhere in the same call.
+template <typename... Arguments>
+using KFormatFor = KFormat<std::type_identity_t<Arguments>...>;
+
+/// What a printf function gets for an argument: a text's characters, a number as it is.
+inline const char* Printable(const std::string& argument) {
+    return argument.c_str();
+}
+inline const char* Printable(const char* argument) {
+    return argument;
+}
+inline int Printable(int argument) {
+    return argument;
+}
+inline long Printable(long argument) {
+    return argument;
+}
+
+}  // namespace Korvel

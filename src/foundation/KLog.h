@@ -1,0 +1,47 @@
+#pragma once
+
+#include <exception>
+
+#include "../../logger/Logger.h"
+#include "KFormat.h"
+
+namespace Korvel {
+
+/// The levels that the library writes, and no others.
+enum KLogLevel : int {
+    KLogLevelError = 0,
+    KLogLevelEvent = 2,
+    KLogLevelTrace = 3,
+    KLogLevelDetail = 4,
+};
+
+inline constexpr const char* libraryModule = "Korvel.KAccessLibrary";
+inline constexpr const char* providerModule = "Korvel.VssProvider";
+
+/// Hands one record to the logging library, which does not change the texts although its declaration lets it.
+template <typename... Arguments>
+void LogRecord(KLogLevel level, const char* module, KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    Logger::Write(level, const_cast<char*>(module), const_cast<char*>(format.Text()), Printable(arguments)...);
+}
+
+template <typename... Arguments>
+void LogError(KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    LogRecord<Arguments...>(KLogLevelError, libraryModule, format, arguments...);
+}
+
+template <typename... Arguments>
+void LogEvent(KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    LogRecord<Arguments...>(KLogLevelEvent, libraryModule, format, arguments...);
+}
+
+template <typename... Arguments>
+void LogTrace(KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    LogRecord<Arguments...>(KLogLevelTrace, libraryModule, format, arguments...);
+}
+
+template <typename... Arguments>
+void LogDetail(KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    LogRecord<Arguments...>(KLogLevelDetail, libraryModule, format, arguments...);
+}
+
+}  // namespace Korvel

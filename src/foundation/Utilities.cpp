@@ -1,0 +1,74 @@
+#include "Utilities.h"
+
+#include <algorithm>
+
+#include "KBoundedText.h"
+#include "KException.h"
+#include "KGuard.h"
+#include "KRegistryKey.h"
+
+namespace Korvel {
+
+namespace {
+
+constexpr const char* rootKey = "SOFTWARE\\Korvel\\HwProvider";
+constexpr std::size_t nameCapacity = 256;
+constexpr std::size_t valueCapacity = 256;
+
+void RequireRegistry(bool succeeded, const char* text) {
+    if (!succeeded) {
+        throw KException(text);
+    }
+}
+
+void AppendSubkeyNames(KRegistryKey& key, unsigned long count, std::vector<std::string>& names) {
+    for (unsigned long index = 0; index < count; ++index) {
+        char name[nameCapacity] = {};
+        RequireRegistry(key.ReadSubkeyName(index, name, nameCapacity), "Failed to enumerate registry keys");
+        names.emplace_back(name);
+    }
+}
+
+}  // namespace
+
+int Utilities::GetArrayIPList(std::vector<std::string>& addresses) {
+    LogTrace("Entering Utilities::GetArrayIPList()");
+    KRegistryKey key;
+    const auto listSubkeys = [&]() -> int {
+        RequireRegistry(key.Open(rootKey, KRegistryKey::Access::Read), "Failed to open registry key");
+        unsigned long count = 0;
+        RequireRegistry(key.CountSubkeys(count), "Failed to query the registry key");
+        if (count == 0) {
+            LogEvent("No Subkeys found");
+            key.Close();
+            return KStatusSuccess;
+        }
+        AppendSubkeyNames(key, count, addresses);
+        key.LeaveOpen();  // Kept: open-root-key.
+        return KStatusSuccess;
+    };
+    const int status = LogAndRethrow(listSubkeys, [&] { key.Close(); });
+    LogTrace("Exiting Utilities::GetArrayIPList() with return code %d", status);
+    return status;
+}
+
+int Utilities::GetArrayConfigData(const std::string& address, const std::string& valueName, std::string& value) {
+    LogTrace("Entering Utilities::GetArrayConfigData()");
+    KRegistryKey key;
+    const auto readValue = [&]() -> int {
+        const KRegistryPath path("SOFTWARE\\Korvel\\HwProvider\\%s", address);
+        RequireRegistry(key.Open(path.Text(), KRegistryKey::Access::QueryValue), "Failed to open registry key");
+        unsigned char buffer[valueCapacity];
+        std::size_t size = sizeof buffer;
+        RequireRegistry(key.ReadValue(valueName.c_str(), buffer, size), "Failed to get config value from registry");
+        // The stored text need not be terminated: the scan ends with the bytes that were read.
+        value.assign(buffer, std::find(buffer, buffer + size, '\0'));
+        key.Close();
+        return KStatusSuccess;
+    };
+    const int status = LogAndRethrow(readValue, [&] { key.Close(); });
+    LogTrace("Exiting Utilities::GetArrayConfigData() with return code %d", status);
+    return status;
+}
+
+}  // namespace Korvel

@@ -1,0 +1,101 @@
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "KConnection.h"
+#include "KGuard.h"
+#include "KorvelAccessLibrary.h"
+#include "Utilities.h"
+
+namespace Korvel {
+
+namespace {
+
+/// Reads an array's key from the registry and appends the array to the list.
+void AddConfiguredArray(const std::string& address, std::list<KArray*>& arrays) {
+    std::string accessKey;
+    Utilities::GetArrayConfigData(address, "AccessKey", accessKey);
+    LogEvent("Array IP: %s AccessKey: %s", address, accessKey);  // Kept: keys-in-the-log.
+    auto array = std::make_unique<KArray>(address, accessKey);
+    arrays.push_back(array.get());
+    array.release();
+}
+
+bool HasAddress(KArray* array, const std::string& address) {
+    std::string* ownAddress = nullptr;
+    array->GetIPAddress(ownAddress);
+    return *ownAddress == address;
+}
+
+}  // namespace
+
+KAccessLayer::KAccessLayer() {
+    LogTrace("Entering KAccessLayer::KAccessLayer()");
+    LogTrace("Exiting KAccessLayer::KAccessLayer()");
+}
+
+// Kept: shallow-copies.
+KAccessLayer::KAccessLayer(const KAccessLayer& other) = default;
+KAccessLayer& KAccessLayer::operator=(const KAccessLayer& other) = default;
+
+KAccessLayer::~KAccessLayer() {
+    LogTrace("Entering KAccessLayer::~KAccessLayer()");
+    for (const KArray* array : arrays) {
+        delete array;
+    }
+    LogTrace("Exiting KAccessLayer::~KAccessLayer()");
+}
+
+void KAccessLayer::GlobalInit() {
+    LogTrace("Entering KAccessLayer::GlobalInit()");
+    KConnection::GlobalInit();
+    LogTrace("Exiting KAccessLayer::GlobalInit()");
+}
+
+void KAccessLayer::GlobalCleanup() {
+    LogTrace("Entering KAccessLayer::GlobalCleanup()");
+    KConnection::GlobalCleanup();
+    LogTrace("Exiting KAccessLayer::GlobalCleanup()");
+}
+
+int KAccessLayer::DiscoverArrays() {
+    LogTrace("Entering KAccessLayer::DiscoverArrays()");
+    const int status = LogAndConvert([&] {
+        std::vector<std::string> addresses;
+        Utilities::GetArrayIPList(addresses);
+        for (const std::string& address : addresses) {
+            AddConfiguredArray(address, arrays);
+        }
+    });
+    LogTrace("Exiting KAccessLayer::DiscoverArrays()");
+    return status;
+}
+
+int KAccessLayer::Refresh() {
+    LogTrace("Entering KAccessLayer::Refresh()");
+    const int status = LogAndConvert([&] {
+        std::vector<std::string> addresses;
+        Utilities::GetArrayIPList(addresses);
+        for (const std::string& address : addresses) {
+            const auto isKnown = [&](KArray* array) { return HasAddress(array, address); };
+            if (std::none_of(arrays.begin(), arrays.end(), isKnown)) {
+                LogEvent("New arrayIP found in the registry");
+                AddConfiguredArray(address, arrays);
+            }
+        }
+    });
+    LogTrace("Exiting KAccessLayer::Refresh()");
+    return status;
+}
+
+int KAccessLayer::GetArrays(std::list<KArray*>& known) {
+    known = arrays;
+    return KStatusSuccess;
+}
+
+int KAccessLayer::ValidateArray(std::string& arrayIP, std::string& accessKey) {
+    RequireArgument(!arrayIP.empty() && !accessKey.empty(), "KAccessLayer::ValidateArray - Invalid input");
+    return KConnection::ValidateArray(arrayIP, accessKey);
+}
+
+}  // namespace Korvel

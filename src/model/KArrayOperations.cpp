@@ -1,0 +1,128 @@
+#include <algorithm>
+#include <memory>
+
+#include "KArrayVolumes.h"
+#include "KConnection.h"
+#include "KGeneratedNumber.h"
+#include "KGuard.h"
+#include "KServer.h"
+
+namespace Korvel {
+
+namespace {
+
+/// Creates a server and gives it to an array.
+void AppendServer(KArray* array, const std::string& serverID, const std::string& hostIQN, const std::string& iscsiIP) {
+    auto server = std::make_unique<KServer>(serverID, hostIQN, iscsiIP);
+    array->AddServerToList(server.get());
+    server.release();
+}
+
+}  // namespace
+
+int KArray::CloneVolume(const std::string& cgID, const std::string& snapID, KVolume*& volume) {
+    LogTrace("Entering KArray::CloneVolume() with input param cgID: %s snapID: %s", cgID, snapID);
+    RequireArgument(!cgID.empty() && !snapID.empty(), "KArray::CloneVolume - Invalid input parameter");
+    const std::string cloneName = snapID.c_str() + ("_" + std::to_string(DrawNameNumber())) + ".clone";
+    std::string volID;
+    std::string volName;
+    std::string cgName;
+    int status = connection->CloneVolume(cgID, snapID, cloneName, cgName);
+    if (status == KStatusSuccess) {
+        status = connection->GetVolumeInfoByDispName(cloneName, volID, volName, cgName);
+    }
+    if (status == KStatusSuccess) {
+        LogRecord(KLogLevelEvent, providerModule, "Volume clone(%s - %s) created for snapshot(%s)", volID, volName,
+                  snapID);
+        volume = AppendVolume(this, CreateVolumeOf(this, volID, volName, cloneName, cgName));
+        LogDetail("Added clone volume %s to the internal volume list", volName);
+    }
+    LogTrace("Exiting KArray::CloneVolume() with return code : %d", status);
+    return status;
+}
+
+int KArray::AttachVolume(const std::string& volName, const std::string& serverID) {
+    LogTrace("Entering KArray::AttachVolume() with input param volName: %s serverID: %s", volName, serverID);
+    RequireArgument(!volName.empty() && !serverID.empty(), "KArray::AttachVolume - Invalid input parameter");
+    const int status = connection->AttachVolume(volName, serverID);
+    if (status == KStatusSuccess) {
+        LogEvent("Volume %s successfully mapped to server ID: %s", volName, serverID);
+    }
+    LogTrace("Exiting KArray::AttachVolume() with return code : %d", status);
+    return status;
+}
+
+int KArray::DetachVolume(const std::string& volName, const std::string& serverID) {
+    LogTrace("Entering KArray::DetachVolume() with input param volName: %s serverID: %s", volName, serverID);
+    RequireArgument(!volName.empty() && !serverID.empty(), "KArray::DetachVolume - Invalid input parameter");
+    const int status = connection->DetachVolume(volName, serverID);
+    if (status == KStatusSuccess) {
+        LogEvent("Volume %s successfully detached from server ID: %s", volName, serverID);
+    }
+    LogTrace("Exiting KArray::DetachVolume() with return code : %d", status);
+    return status;
+}
+
+int KArray::DeleteVolume(const std::string& volName) {
+    LogTrace("Entering KArray::DeleteVolume() with input param volName: %s", volName);
+    RequireArgument(!volName.empty(), "KArray::DeleteVolume - Invalid input parameter");
+    const int status = connection->DeleteVolume(volName);
+    if (status == KStatusSuccess) {
+        LogEvent("Volume %s successfully deleted in the array", volName);
+        std::string knownName;
+        const auto found = std::find_if(volumeList.begin(), volumeList.end(), [&](KVolume* known) {
+            return known != nullptr && known->GetVolumeName(knownName) == KStatusSuccess && knownName == volName;
+        });
+        if (found != volumeList.end()) {  // further entries of the same name stay
+            delete *found;
+            volumeList.erase(found);
+        }
+    }
+    LogTrace("Exiting KArray::DeleteVolume() with return code : %d", status);
+    return status;
+}
+
+int KArray::ResyncVolume(const std::string& snapID, KVolume* const& volume) {
+    LogTrace("Entering KArray::ResyncVolume()");
+    RequireArgument(!snapID.empty() && volume != nullptr, "KArray::ResyncVolume - Invalid input parameter");
+    std::string cgID;
+    volume->GetCgID(cgID);
+    const int status = connection->ResyncVolume(snapID, cgID);
+    LogTrace("Exiting KArray::ResyncVolume() with return code : %d", status);
+    return status;
+}
+
+int KArray::GetServerIDByIQN(const std::string& hostIQN, std::string& serverID) {
+    LogTrace("Entering KArray::GetServerIDByIQN()");
+    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQN - Invalid input parameter");
+    int status = KStatusNotFound;
+    for (const KServer* server : serverList) {
+        if (server != nullptr && server->hostIQN->c_str() == hostIQN) {
+            serverID = server->serverID->c_str();
+            status = KStatusSuccess;  // Kept: last-server-wins. The walk goes on.
+        }
+    }
+    LogTrace("Exiting KArray::GetServerIDByIQN() with return code : %d", status);
+    return status;
+}
+
+int KArray::GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID) {
+    LogTrace("Entering KArray::GetServerIDByIQNFromArray()");
+    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQNFromArray - Invalid input parameter");
+    std::string iscsiIP;
+    int status = connection->GetServerInfoByIQN(hostIQN, serverID, iscsiIP);
+    if (status == KStatusSuccess) {
+        AppendServer(this, serverID, hostIQN, iscsiIP);
+    } else if (status == KStatusNotFound) {
+        const std::string displayName(hostIQN);
+        status = connection->CreateServer(displayName, hostIQN, iscsiIP, serverID);
+        if (status == KStatusSuccess) {
+            LogEvent("Successfully created server(%s) in the array", serverID);
+            AppendServer(this, serverID, hostIQN, iscsiIP);
+        }
+    }
+    LogTrace("Exiting KArray::GetServerIDByIQNFromArray() with return code : %d", status);
+    return status;
+}
+
+}  // namespace Korvel

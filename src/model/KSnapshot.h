@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace Korvel {
+
+class KVolume;
+
+/// One snapshot that the library knows. A plain holder: whoever creates it sets its fields.
+class KSnapshot {
+public:
+    /// @param snapID the array's identifier of the snapshot
+    /// @throws std::invalid_argument when it is empty
+    explicit KSnapshot(const std::string& snapID);
+    ~KSnapshot();
+    KSnapshot(const KSnapshot&) = delete;
+    KSnapshot& operator=(const KSnapshot&) = delete;
+
+    std::string* snapshotID;  ///< owned
+    KVolume* volume;          ///< the volume whose list holds the snapshot; not owned, null until it is set
+};
+
+}  // namespace Korvel

@@ -1,0 +1,135 @@
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+#include "KConnection.h"
+#include "KGuard.h"
+#include "KSnapshot.h"
+#include "KorvelAccessLibrary.h"
+
+namespace Korvel {
+
+KVolume::KVolume(const std::string& id, const std::string& name, const std::string& dispName,
+                 const std::string& group) {
+    LogTrace("Entering KVolume::KVolume()");
+    RequireArgument(!id.empty() && !name.empty() && !dispName.empty() && !group.empty(),
+                    "KVolume Constructor: Invalid input argument");
+    auto ownID = std::make_unique<std::string>(id);
+    auto ownName = std::make_unique<std::string>(name);
+    auto ownDispName = std::make_unique<std::string>(dispName);
+    auto ownGroup = std::make_unique<std::string>(group);
+    latestSnapshotID = new std::string();
+    volumeID = ownID.release();
+    volumeName = ownName.release();
+    volumeDispName = ownDispName.release();
+    cgID = ownGroup.release();
+    array = nullptr;
+    LogTrace("Exiting KVolume::KVolume()");
+}
+
+// Kept: shallow-copies.
+KVolume::KVolume(const KVolume& other) = default;
+KVolume& KVolume::operator=(const KVolume& other) = default;
+
+KVolume::~KVolume() {
+    LogTrace("Entering KVolume::~KVolume()");
+    delete volumeID;
+    delete volumeName;
+    delete volumeDispName;
+    delete cgID;
+    delete latestSnapshotID;
+    for (const KSnapshot* snapshot : snapshotList) {
+        delete snapshot;
+    }
+    LogTrace("Exiting KVolume::~KVolume()");
+}
+
+int KVolume::CreateSnapshotSet(KArray* onArray, const std::list<std::string*>& volNames,
+                               const std::list<std::string*>& cgNames, std::list<std::string>* snapNames) {
+    KConnection* connection = nullptr;
+    onArray->GetConnection(connection);
+    return connection->CreateSnapshotSet(volNames, cgNames, snapNames);
+}
+
+int KVolume::GetVolumeID(std::string*& ownID) {
+    ownID = volumeID;
+    return KStatusSuccess;
+}
+
+// The copying getters take the stored text as a zero-terminated one.
+int KVolume::GetVolumeName(std::string& name) {
+    name = volumeName->c_str();
+    return KStatusSuccess;
+}
+
+int KVolume::GetVolumeDispName(std::string& dispName) {
+    dispName = volumeDispName->c_str();
+    return KStatusSuccess;
+}
+
+int KVolume::GetCgID(std::string& group) {
+    group = cgID->c_str();
+    return KStatusSuccess;
+}
+
+int KVolume::GetCgIDPtr(std::string*& ownGroup) {
+    ownGroup = cgID;
+    return KStatusSuccess;
+}
+
+int KVolume::GetLatestSnapshotID(std::string& snapID) {
+    snapID = latestSnapshotID->c_str();
+    return KStatusSuccess;
+}
+
+int KVolume::SetArray(KArray* owner) {
+    array = owner;
+    return KStatusSuccess;
+}
+
+int KVolume::SetLatestSnapshotID(const std::string& snapID) {
+    *latestSnapshotID = snapID;
+    return KStatusSuccess;
+}
+
+int KVolume::AddSnapshotToList(KSnapshot* snapshot) {
+    snapshotList.push_back(snapshot);
+    return KStatusSuccess;
+}
+
+int KVolume::IsSnapAvailable(const std::string& snapID) {
+    const auto isWanted = [&](const KSnapshot* snapshot) { return snapshot && *snapshot->snapshotID == snapID; };
+    return std::any_of(snapshotList.begin(), snapshotList.end(), isWanted) ? KStatusSuccess : KStatusNotFound;
+}
+
+int KVolume::AddCreatedSnapshot(const std::string& snapID) {
+    auto snapshot = std::make_unique<KSnapshot>(snapID);
+    snapshot->volume = this;
+    std::string latest(snapID);
+    snapshotList.push_back(snapshot.get());
+    snapshot.release();
+    LogDetail("Added snapshot %s to the internal snapshot list", snapID);
+    latestSnapshotID->swap(latest);
+    // Kept: number-for-volume. The line shows the low half of where the identifier's text lies, not the identifier.
+    const auto number = static_cast<int>(reinterpret_cast<std::uintptr_t>(volumeID->c_str()));
+    LogTrace("Latest snap ID %s added for volume %d", *latestSnapshotID, number);
+    return KStatusSuccess;
+}
+
+int KVolume::DeleteSnapshot(std::string& snapID) {
+    KConnection* connection = nullptr;
+    array->GetConnection(connection);
+    const int status = connection->DeleteSnapshot(snapID);
+    if (status != KStatusSuccess) {
+        return status;
+    }
+    const auto isWanted = [&](const KSnapshot* snapshot) { return snapshot && *snapshot->snapshotID == snapID; };
+    const auto found = std::find_if(snapshotList.begin(), snapshotList.end(), isWanted);
+    if (found != snapshotList.end()) {
+        delete *found;
+        snapshotList.erase(found);
+    }
+    return KStatusSuccess;
+}
+
+}  // namespace Korvel

@@ -1,0 +1,72 @@
+#include "KConnection.h"
+
+#include <libxml/parser.h>
+
+#include <memory>
+
+#include "KBoundedText.h"
+#include "KGuard.h"
+#include "KRequest.h"
+
+namespace Korvel {
+
+namespace {
+
+struct HandleDeleter {
+    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
+};
+
+}  // namespace
+
+KConnection::KConnection(const std::string& address, const std::string& key) {
+    LogTrace("Entering KConnection::KConnection for %s", address);
+    RequireArgument(!address.empty() && !key.empty(), "KConnection Constructor: Invalid input argument");
+    auto ownAddress = std::make_unique<std::string>(address);
+    accessKey = new std::string(key);
+    arrayIP = ownAddress.release();
+    LogTrace("Exiting KConnection::KConnection");
+}
+
+KConnection::~KConnection() {
+    LogTrace("Entering KConnection::~KConnection()");
+    delete arrayIP;
+    delete accessKey;
+    LogTrace("Exiting KConnection::~KConnection()");
+}
+
+void KConnection::GlobalInit() {
+    LogTrace("Entering KConnection::GlobalInit");
+    curl_global_init(CURL_GLOBAL_ALL);
+    xmlInitParser();  // before threads read replies at once; the process, not the library, ends it
+    LogTrace("Exiting KConnection::GlobalInit");
+}
+
+void KConnection::GlobalCleanup() {
+    LogTrace("Entering KConnection::GlobalCleanup");
+    curl_global_cleanup();
+    LogTrace("Exiting KConnection::GlobalCleanup");
+}
+
+int KConnection::InitializeCurl(CURL*& handle, const char* path, curl_slist*& headers) {
+    LogTrace("Entering KConnection::InitializeCurl");
+    std::unique_ptr<CURL, HandleDeleter> newHandle(curl_easy_init());
+    if (newHandle) {
+        const KRequestText url("https://%s%s", *arrayIP, path);
+        LogTrace("URL: %s", url.Text());
+        KRequest::SetFrameOptions(newHandle.get(), url.Text());
+        const KRequestText header("X-Access-Key: %s", *accessKey);
+        LogTrace("%s", header.Text());  // Kept: keys-in-the-log.
+        headers = curl_slist_append(headers, header.Text());
+        curl_easy_setopt(newHandle.get(), CURLOPT_HTTPHEADER, headers);
+        handle = newHandle.release();
+    }  // without a handle the request fails when it is performed
+    LogTrace("Exiting KConnection::InitializeCurl");
+    return KStatusSuccess;
+}
+
+void KConnection::Get(KRequest& request, const char* path) {
+    InitializeCurl(request.handle, path, request.headers);
+    request.Perform();
+}
+
+}  // namespace Korvel

@@ -1,0 +1,143 @@
+#include <algorithm>
+#include <cstring>
+
+#include "KBoundedText.h"
+#include "KCommand.h"
+#include "KConnection.h"
+#include "KException.h"
+#include "KGeneratedNumber.h"
+#include "KGuard.h"
+#include "KRequest.h"
+
+namespace Korvel {
+
+namespace {
+
+/// The volumes as the entry line shows them: each name with a blank behind it.
+std::string VolumesText(const std::list<std::string*>& volNames) {
+    std::string text;
+    for (const std::string* volName : volNames) {
+        text += *volName;
+        text += ' ';
+    }
+    return text;
+}
+
+/// The body of a snapshot set: a generated snapshot name and the group for every pair. What has no partner in the other
+/// list is ignored. Kept: surplus-names.
+std::string SnapshotSetBody(const std::list<std::string*>& volNames, const std::list<std::string*>& cgNames,
+                            const char* invalidArgument) {
+    std::string body;
+    int number = 1;
+    auto cgName = cgNames.begin();
+    for (auto volName = volNames.begin(); volName != volNames.end() && cgName != cgNames.end(); ++volName, ++cgName) {
+        RequireArgument(!(*volName)->empty() && !(*cgName)->empty(), invalidArgument);
+        const std::string drawn = std::to_string(DrawNameNumber());
+        const std::string key = "snapshots_set_" + std::to_string(number);
+        if (number > 1) {
+            body += '&';
+        }
+        body += key + "_name=snap_" + drawn + '_' + **volName + '&' + key + "_cg=" + **cgName;
+        ++number;
+    }
+    return body;
+}
+
+bool NoneEmpty(std::initializer_list<const std::string*> texts) {
+    return std::none_of(texts.begin(), texts.end(), [](const std::string* text) { return text->empty(); });
+}
+
+}  // namespace
+
+/// The part that all commands share: sends the request, reads the answer and judges it.
+/// @param pathArgument what goes into the command's path
+/// @param body null for a command without one
+int KConnection::Exchange(KRequest& request, KCommandAction action, const std::string& pathArgument,
+                          const std::string* body, CommandResponse& response) {
+    const KCommand& command = CommandOf(action);
+    const KRequestText path(command.path, pathArgument);
+    LogDetail("URL: %s", path.Text());
+    InitializeCurl(request.handle, path.Text(), request.headers);
+    request.SetCommand(command.method, body);
+    request.Perform();
+    request.RequireOK(command.failureText);
+    const int status = ParseResponseXML(request.Reply(), command.xPathID, action, response);
+    if (status == KStatusSuccess && response.status != "0") {
+        throw KException(response.statusMsg.c_str());
+    }
+    return status;
+}
+
+/// A command whose arguments are all texts.
+/// @param name null, or what receives the response's name on success
+int KConnection::RunCommand(KCommandAction action, std::initializer_list<const std::string*> arguments,
+                            std::string* name) {
+    const KCommand& command = CommandOf(action);
+    LogTrace(command.entryLine, *arguments.begin()[command.entryArgument]);
+    std::string reply;
+    KRequest request(reply);
+    const int status = request.Run([&] {
+        RequireArgument(NoneEmpty(arguments), command.invalidArgument);
+        const bool hasBody = command.body != nullptr;
+        const std::string body = hasBody ? FillBody(command.body, arguments) : std::string();
+        CommandResponse response;
+        const int judged =
+            Exchange(request, action, *arguments.begin()[command.pathArgument], hasBody ? &body : nullptr, response);
+        if (judged == KStatusSuccess && name != nullptr) {
+            name->swap(response.name);
+        }
+        return judged;
+    });
+    LogTrace(command.exitLine, status);
+    return status;
+}
+
+int KConnection::CreateSnapshotSet(const std::list<std::string*>& volNames, const std::list<std::string*>& cgNames,
+                                   std::list<std::string>* snapNames) {
+    const KCommand& command = CommandOf(KCommandCreateSnapshotSet);
+    const std::string volumes = VolumesText(volNames);
+    LogTrace(command.entryLine, volumes);
+    std::string reply;
+    KRequest request(reply);
+    const int status = request.Run([&] {
+        std::string body = SnapshotSetBody(volNames, cgNames, command.invalidArgument);
+        body.resize(std::strlen(body.c_str()));  // this body alone ends at its first zero byte
+        CommandResponse response;
+        response.snapshotNames = snapNames;
+        return Exchange(request, KCommandCreateSnapshotSet, std::string(), &body, response);
+    });
+    LogTrace(command.exitLine, status);
+    return status;
+}
+
+int KConnection::DeleteSnapshot(const std::string& snapID) {
+    return RunCommand(KCommandDeleteSnapshot, {&snapID}, nullptr);
+}
+
+int KConnection::CloneVolume(const std::string& cgID, const std::string& snapID, const std::string& cloneName,
+                             std::string& cgName) {
+    return RunCommand(KCommandCloneVolume, {&cgID, &snapID, &cloneName}, &cgName);
+}
+
+int KConnection::DeleteVolume(const std::string& volName) {
+    return RunCommand(KCommandDeleteVolume, {&volName}, nullptr);
+}
+
+int KConnection::ResyncVolume(const std::string& snapID, const std::string& cgID) {
+    return RunCommand(KCommandResyncVolume, {&snapID, &cgID}, nullptr);
+}
+
+int KConnection::CreateServer(const std::string& displayName, const std::string& hostIQN, const std::string& iscsiIP,
+                              std::string& serverID) {
+    return RunCommand(KCommandCreateServer, {&displayName, &hostIQN, &iscsiIP}, &serverID);
+}
+
+int KConnection::AttachVolume(const std::string& volName, const std::string& serverID) {
+    return RunCommand(KCommandAttachVolume, {&volName, &serverID}, nullptr);
+}
+
+int KConnection::DetachVolume(const std::string& volName, const std::string& serverID) {
+    return RunCommand(KCommandDetachVolume, {&volName, &serverID}, nullptr);
+}
+
+}  // namespace Korvel

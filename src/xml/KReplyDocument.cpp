@@ -1,0 +1,92 @@
+#include "KReplyDocument.h"
+
+#include <libxml/parser.h>
+
+#include <limits>
+
+#include "KException.h"
+
+namespace Korvel {
+
+namespace {
+
+const xmlChar* XmlText(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+struct XmlTextDeleter {
+    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
+};
+
+}  // namespace
+
+void KReplyDocument::Read(const std::string& reply, const char* expression) {
+    // The reader counts in int: a longer reply is refused, not wrapped.
+    if (reply.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        document.reset(xmlReadMemory(reply.data(), static_cast<int>(reply.size()), "noname.xml", nullptr, 0));
+    }
+    if (!document) {
+        throw KException("Failed to open the xml document");
+    }
+    context.reset(xmlXPathNewContext(document.get()));
+    if (!context) {
+        throw KException("Failed to create xml path context");
+    }
+    result.reset(xmlXPathEvalExpression(XmlText(expression), context.get()));
+    if (!result) {
+        throw KException("Failed to evaluate xPath expression");
+    }
+}
+
+std::span<const xmlNodePtr> KReplyDocument::Nodes() const {
+    const xmlNodeSet* nodes = result ? result->nodesetval : nullptr;
+    if (nodes == nullptr || nodes->nodeNr == 0 || nodes->nodeTab == nullptr) {
+        return {};
+    }
+    return {nodes->nodeTab, static_cast<std::size_t>(nodes->nodeNr)};
+}
+
+void KReplyDocument::ReadText(const xmlNode* element, std::string& text) const {
+    if (element->children == nullptr) {
+        return;
+    }
+    const std::unique_ptr<xmlChar, XmlTextDeleter> content(xmlNodeListGetString(document.get(), element->children, 1));
+    if (content) {
+        text = reinterpret_cast<const char*>(content.get());
+    }
+}
+
+void KReplyDocument::Free() noexcept {
+    context.reset();
+    result.reset();
+    document.reset();
+}
+
+void KReplyDocument::LeaveAfterFailure() noexcept {
+    context.reset();
+    static_cast<void>(result.release());
+    static_cast<void>(document.release());
+}
+
+bool IsNamed(const xmlNode* node, const char* name) {
+    return xmlStrcmp(node->name, XmlText(name)) == 0;
+}
+
+void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<const KField> fields) {
+    std::size_t recognised = 0;
+    for (const xmlNode* child = node->children; child != nullptr && recognised < fields.size(); child = child->next) {
+        for (const KField& field : fields) {
+            if (!IsNamed(child, field.element)) {
+                continue;
+            }
+            if (field.clearedByEmpty) {
+                field.text->clear();
+            }
+            document.ReadText(child, *field.text);
+            ++recognised;
+            break;  // a node has one name
+        }
+    }
+}
+
+}  // namespace Korvel

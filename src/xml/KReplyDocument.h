@@ -1,0 +1,66 @@
+#pragma once
+
+#include <libxml/tree.h>
+#include <libxml/xpath.h>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace Korvel {
+
+/// An XML reply that was read, and the nodes that one XPath expression selects in it.
+class KReplyDocument {
+public:
+    KReplyDocument() = default;
+
+    /// Reads the reply and evaluates the expression.
+    /// @param reply the reply's whole body; read where it lies
+    /// @param expression the XPath expression, zero-terminated
+    /// @throws KException when the reply is not well-formed or too long, or the expression cannot be evaluated
+    void Read(const std::string& reply, const char* expression);
+
+    /// @return the selected nodes in document order; empty when there are none
+    std::span<const xmlNodePtr> Nodes() const;
+
+    /// Reads the text of an element.
+    /// @param text receives it; unchanged when the element holds none
+    void ReadText(const xmlNode* element, std::string& text) const;
+
+    /// Frees all at the normal end: the context, the result, the document.
+    void Free() noexcept;
+
+    /// Frees the context after a failure and leaves the result and the document behind. Kept: documents-left-behind.
+    void LeaveAfterFailure() noexcept;
+
+private:
+    template <auto Function>
+    struct Deleter {
+        template <typename Handle>
+        void operator()(Handle* handle) const noexcept {
+            Function(handle);
+        }
+    };
+
+    // Destroyed in reverse, which is the order of Free.
+    std::unique_ptr<xmlDoc, Deleter<xmlFreeDoc>> document;
+    std::unique_ptr<xmlXPathObject, Deleter<xmlXPathFreeObject>> result;
+    std::unique_ptr<xmlXPathContext, Deleter<xmlXPathFreeContext>> context;
+};
+
+/// One element that a reader looks for among the children of a record's node.
+struct KField {
+    const char* element;
+    std::string* text;            ///< receives the element's text
+    bool clearedByEmpty = false;  ///< an element without text empties the field instead of leaving it as it was
+};
+
+/// Tells whether a node has exactly this name, whatever its prefix.
+bool IsNamed(const xmlNode* node, const char* name);
+
+/// Reads the fields of one record from the children of its node. Stops when as many children were recognised as there
+/// are fields, so an element that stands twice can keep a later field from being read. Kept: counted-children.
+void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<const KField> fields);
+
+}  // namespace Korvel
