@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "../../logger/Logger.h"
+#include "Logger.h"
 #include "KFormat.h"
 
 namespace Korvel {

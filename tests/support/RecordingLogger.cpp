@@ -1,0 +1,33 @@
+#include "RecordingLogger.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace {
+
+std::mutex guard;
+std::string records;
+
+}  // namespace
+
+void Logger::Write(int level, char* module, char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    va_list again;
+    va_copy(again, arguments);
+    std::vector<char> text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, arguments)) + 1);
+    std::vsnprintf(text.data(), text.size(), format, again);
+    va_end(again);
+    va_end(arguments);
+    const std::string writer(module);
+    const std::lock_guard<std::mutex> lock(guard);
+    records += (writer == "Korvel.KAccessLibrary" ? "" : writer + ' ') + std::to_string(level) + ' ' + text.data() + '\n';
+}
+
+std::string Korvel::TakeRecords() {
+    const std::lock_guard<std::mutex> lock(guard);
+    return std::exchange(records, {});
+}

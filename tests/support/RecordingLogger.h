@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "Logger.h"
+
+namespace Korvel {
+
+/// Hands out what was logged since the last call and forgets it: one line a record, its level and its text. A record of
+/// another module than the library's own has the module in front.
+KORVEL_LOGGER_API std::string TakeRecords();
+
+}  // namespace Korvel
