@@ -1,0 +1,54 @@
+# What every script of this folder starts from; sourced, never run. Needs bash.
+
+# Prints one line of progress, so that long steps can be told apart in a log.
+say() { printf '== %s\n' "$*"; }
+
+# Prints why the script cannot go on and ends it with status 1.
+fail() {
+    printf 'FAILED: %s\n' "$*" >&2
+    exit 1
+}
+
+# Runs a command as root: as it is for root, through sudo for everybody else.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        fail "'$*' needs root, and there is no sudo: run this script as root, or install what it asks for first"
+    fi
+}
+
+# quietly WORDS COMMAND...: runs a command whose output matters only when it fails; then shows it and ends the script.
+quietly() {
+    local what=$1 log
+    shift
+    log=$(mktemp)
+    if ! "$@" >"$log" 2>&1 </dev/null; then
+        cat "$log" >&2
+        rm -f "$log"
+        fail "$what: see the lines above"
+    fi
+    rm -f "$log"
+}
+
+# need_packages PKG...: installs those of the Debian packages that are missing. Asks for no rights and no network when
+# all are there.
+need_packages() {
+    local package missing=()
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    say "Installing ${missing[*]}"
+    # Another program may hold dpkg's lock for a moment: wait for it.
+    local apt=(as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
+    quietly "the lists of packages could not be updated" "${apt[@]}" update
+    quietly "packages could not be installed (${missing[*]})" "${apt[@]}" install -y --no-install-recommends \
+        "${missing[@]}"
+}
+
+# What a native build of the whole project needs on a bare Debian 12.
+native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-dev libssl-dev libcpp-httplib-dev
+    nlohmann-json3-dev libcli11-dev libgtest-dev)
