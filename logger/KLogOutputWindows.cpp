@@ -1,6 +1,4 @@
 #include <windows.h>
-// windows.h comes first: sddl.h needs it.
-#include <sddl.h>
 
 #include "KLogOutput.h"
 
@@ -8,26 +6,43 @@ namespace Korvel {
 
 namespace {
 
-/// What a new log file may be used for, and by whom: by its owner, for all.
+/// Rights to a new log file for the process's own user and nobody else. If one of the calls fails, the list of rights
+/// stays empty: then others can't read the file, either.
 class KOwnerOnly {
 public:
     KOwnerOnly() noexcept {
-        // Where the rights of an owner can't be put into words, the folder's own rights have to do.
-        if (ConvertStringSecurityDescriptorToSecurityDescriptorA("D:P(A;;FA;;;OW)", SDDL_REVISION_1, &descriptor,
-                                                                 nullptr) == 0) {
-            descriptor = nullptr;
+        InitializeAcl(&rights.list, sizeof rights, ACL_REVISION);
+        HANDLE token = nullptr;
+        if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) != 0) {
+            TokenUser user{};
+            DWORD size = 0;
+            if (GetTokenInformation(token, ::TokenUser, &user, sizeof user, &size) != 0) {
+                AddAccessAllowedAce(&rights.list, ACL_REVISION, FILE_ALL_ACCESS, user.entry.User.Sid);
+            }
+            CloseHandle(token);
         }
-        attributes = {sizeof attributes, descriptor, FALSE};
+        InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&descriptor, TRUE, &rights.list, FALSE);
+        SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, SE_DACL_PROTECTED);
     }
-    ~KOwnerOnly() { LocalFree(descriptor); }
     KOwnerOnly(const KOwnerOnly&) = delete;
     KOwnerOnly& operator=(const KOwnerOnly&) = delete;
 
     SECURITY_ATTRIBUTES* Get() noexcept { return &attributes; }
 
 private:
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
-    SECURITY_ATTRIBUTES attributes{};
+    struct TokenUser {
+        TOKEN_USER entry;
+        BYTE sid[SECURITY_MAX_SID_SIZE];
+    };
+    struct Rights {
+        ACL list;
+        BYTE entry[sizeof(ACCESS_ALLOWED_ACE) + SECURITY_MAX_SID_SIZE];
+    };
+
+    Rights rights{};
+    SECURITY_DESCRIPTOR descriptor{};
+    SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), &descriptor, FALSE};
 };
 
 // One lock for all outputs: a record that a pipe takes in pieces stays in one piece. Needs no destructor.

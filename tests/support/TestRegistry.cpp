@@ -1,0 +1,163 @@
+#include "TestRegistry.h"
+
+#include <cstdlib>
+#include <stdexcept>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <filesystem>
+#include <fstream>
+#endif
+
+namespace Korvel {
+
+#if defined(_WIN32)
+
+namespace {
+
+void Require(LSTATUS status) {
+    if (status != ERROR_SUCCESS) {
+        throw std::runtime_error("the registry refuses: error " + std::to_string(status));
+    }
+}
+
+}  // namespace
+
+class TestRegistry::Store {
+public:
+    static constexpr const char* root = "SOFTWARE\\Korvel\\HwProvider";
+
+    static void Remove(const std::string& path) {
+        const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, path.c_str());
+        Require(status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status);
+    }
+
+    static void Add(const std::string& path) {
+        HKEY key = nullptr;
+        Require(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr));
+        RegCloseKey(key);
+    }
+
+    static void Set(const std::string& path, const std::string& valueName, unsigned long type,
+                    const std::vector<unsigned char>& bytes) {
+        Add(path);
+        HKEY key = nullptr;
+        Require(RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_SET_VALUE, &key));
+        const LSTATUS status =
+            RegSetValueExA(key, valueName.c_str(), 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
+        RegCloseKey(key);
+        Require(status);
+    }
+
+    static void SetText(const std::string& path, const std::string& valueName, const std::string& text) {
+        const char* bytes = text.c_str();
+        Set(path, valueName, REG_SZ, std::vector<unsigned char>(bytes, bytes + text.size() + 1));
+    }
+};
+
+#else
+
+class TestRegistry::Store {
+public:
+    static constexpr const char* root = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider";
+
+    Store() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "korvel-registry-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("no folder for the registry file");
+        }
+        folder = pattern;
+        setenv("KORVEL_REGISTRY", (folder / "registry.reg").c_str(), 1);
+    }
+
+    ~Store() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
+        unsetenv("KORVEL_REGISTRY");
+    }
+
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    void Remove(const std::string& path) { Append("[-" + path + "]\n"); }
+
+    void Add(const std::string& path) { Append("[" + path + "]\n"); }
+
+    void Set(const std::string& path, const std::string& valueName, unsigned long type,
+             const std::vector<unsigned char>& bytes) {
+        char number[16];
+        std::snprintf(number, sizeof number, "%lx", type);
+        std::string data = std::string("hex(") + number + "):";
+        for (std::size_t index = 0; index < bytes.size(); ++index) {
+            std::snprintf(number, sizeof number, "%s%02x", index == 0 ? "" : ",", bytes[index]);
+            data += number;
+        }
+        Append("[" + path + "]\n" + Quoted(valueName) + "=" + data + "\n");
+    }
+
+    void SetText(const std::string& path, const std::string& valueName, const std::string& text) {
+        Append("[" + path + "]\n" + Quoted(valueName) + "=" + Quoted(text) + "\n");
+    }
+
+private:
+    static std::string Quoted(const std::string& text) {
+        std::string quoted = "\"";
+        for (const char character : text) {
+            quoted += character == '"' || character == '\\' ? std::string("\\") + character : std::string(1, character);
+        }
+        return quoted + "\"";
+    }
+
+    // A change is a line more: the format removes and replaces, too.
+    void Append(const std::string& lines) {
+        content += lines;
+        std::ofstream file(folder / "registry.reg", std::ios::binary);
+        if (!(file << content << std::flush)) {
+            throw std::runtime_error("the registry file can't be written");
+        }
+    }
+
+    std::filesystem::path folder;
+    std::string content = "Windows Registry Editor Version 5.00\n\n";
+};
+
+#endif
+
+TestRegistry::TestRegistry() : store(std::make_unique<Store>()) {
+    Clear();
+}
+
+TestRegistry::~TestRegistry() {
+    try {
+        Clear();
+    } catch (const std::runtime_error&) {  // The next test clears it again, and says so if it can't.
+    }
+}
+
+void TestRegistry::Clear() {
+    store->Remove(Store::root);
+}
+
+void TestRegistry::AddRoot() {
+    store->Add(Store::root);
+}
+
+void TestRegistry::AddArray(const std::string& address) {
+    store->Add(std::string(Store::root) + "\\" + address);
+}
+
+void TestRegistry::Remove(const std::string& address) {
+    store->Remove(std::string(Store::root) + "\\" + address);
+}
+
+void TestRegistry::SetText(const std::string& address, const std::string& valueName, const std::string& text) {
+    store->SetText(std::string(Store::root) + "\\" + address, valueName, text);
+}
+
+void TestRegistry::SetBytes(const std::string& address, const std::string& valueName, unsigned long type,
+                            const std::vector<unsigned char>& bytes) {
+    store->Set(std::string(Store::root) + "\\" + address, valueName, type, bytes);
+}
+
+}  // namespace Korvel
