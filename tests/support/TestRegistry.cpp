@@ -26,33 +26,51 @@ void Require(LSTATUS status) {
 
 class TestRegistry::Store {
 public:
-    static constexpr const char* root = "SOFTWARE\\Korvel\\HwProvider";
-
-    static void Remove(const std::string& path) {
-        const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, path.c_str());
+    static void Clear() {
+        const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, root);
         Require(status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status);
     }
 
-    static void Add(const std::string& path) {
-        HKEY key = nullptr;
-        Require(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr));
+    static void Add(const std::string& address) { RegCloseKey(Opened(address)); }
+
+    static void Remove(const std::string& address) {
+        const HKEY key = Opened("");
+        const LSTATUS status = RegDeleteTreeA(key, address.c_str());
         RegCloseKey(key);
+        Require(status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status);
     }
 
-    static void Set(const std::string& path, const std::string& valueName, unsigned long type,
-                    const std::vector<unsigned char>& bytes) {
-        Add(path);
-        HKEY key = nullptr;
-        Require(RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_SET_VALUE, &key));
-        const LSTATUS status =
-            RegSetValueExA(key, valueName.c_str(), 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
+    static void Set(const std::string& address, const std::string& valueName, unsigned long type,
+                    std::vector<unsigned char> bytes) {
+        const auto size = static_cast<DWORD>(bytes.size());
+        bytes.push_back(0xff);  // A zero here would be taken for a text's own and stored with it.
+        const HKEY key = Opened(address);
+        const LSTATUS status = RegSetValueExA(key, valueName.c_str(), 0, type, bytes.data(), size);
         RegCloseKey(key);
         Require(status);
     }
 
-    static void SetText(const std::string& path, const std::string& valueName, const std::string& text) {
+    static void SetText(const std::string& address, const std::string& valueName, const std::string& text) {
         const char* bytes = text.c_str();
-        Set(path, valueName, REG_SZ, std::vector<unsigned char>(bytes, bytes + text.size() + 1));
+        Set(address, valueName, REG_SZ, std::vector<unsigned char>(bytes, bytes + text.size() + 1));
+    }
+
+private:
+    static constexpr const char* root = "SOFTWARE\\Korvel\\HwProvider";
+
+    static HKEY Opened(const std::string& address) {
+        HKEY rootKey = nullptr;
+        HKEY key = nullptr;
+        Require(RegCreateKeyExA(HKEY_LOCAL_MACHINE, root, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &rootKey, nullptr));
+        if (address.empty()) {
+            return rootKey;
+        }
+        // In two steps: a path may have 259 characters only.
+        const LSTATUS status =
+            RegCreateKeyExA(rootKey, address.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+        RegCloseKey(rootKey);
+        Require(status);
+        return key;
     }
 };
 
@@ -60,8 +78,6 @@ public:
 
 class TestRegistry::Store {
 public:
-    static constexpr const char* root = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider";
-
     Store() {
         std::string pattern = (std::filesystem::temp_directory_path() / "korvel-registry-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) {
@@ -80,11 +96,13 @@ public:
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
-    void Remove(const std::string& path) { Append("[-" + path + "]\n"); }
+    void Clear() { Append("[-" + Key("") + "]\n"); }
 
-    void Add(const std::string& path) { Append("[" + path + "]\n"); }
+    void Add(const std::string& address) { Append("[" + Key(address) + "]\n"); }
 
-    void Set(const std::string& path, const std::string& valueName, unsigned long type,
+    void Remove(const std::string& address) { Append("[-" + Key(address) + "]\n"); }
+
+    void Set(const std::string& address, const std::string& valueName, unsigned long type,
              const std::vector<unsigned char>& bytes) {
         char number[16];
         std::snprintf(number, sizeof number, "%lx", type);
@@ -93,14 +111,22 @@ public:
             std::snprintf(number, sizeof number, "%s%02x", index == 0 ? "" : ",", bytes[index]);
             data += number;
         }
-        Append("[" + path + "]\n" + Quoted(valueName) + "=" + data + "\n");
+        SetData(address, valueName, data);
     }
 
-    void SetText(const std::string& path, const std::string& valueName, const std::string& text) {
-        Append("[" + path + "]\n" + Quoted(valueName) + "=" + Quoted(text) + "\n");
+    void SetText(const std::string& address, const std::string& valueName, const std::string& text) {
+        SetData(address, valueName, Quoted(text));
     }
 
 private:
+    static std::string Key(const std::string& address) {
+        return "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider" + (address.empty() ? "" : "\\" + address);
+    }
+
+    void SetData(const std::string& address, const std::string& valueName, const std::string& data) {
+        Append("[" + Key(address) + "]\n" + Quoted(valueName) + "=" + data + "\n");
+    }
+
     static std::string Quoted(const std::string& text) {
         std::string quoted = "\"";
         for (const char character : text) {
@@ -136,28 +162,28 @@ TestRegistry::~TestRegistry() {
 }
 
 void TestRegistry::Clear() {
-    store->Remove(Store::root);
+    store->Clear();
 }
 
 void TestRegistry::AddRoot() {
-    store->Add(Store::root);
+    store->Add("");
 }
 
 void TestRegistry::AddArray(const std::string& address) {
-    store->Add(std::string(Store::root) + "\\" + address);
+    store->Add(address);
 }
 
 void TestRegistry::Remove(const std::string& address) {
-    store->Remove(std::string(Store::root) + "\\" + address);
+    store->Remove(address);
 }
 
 void TestRegistry::SetText(const std::string& address, const std::string& valueName, const std::string& text) {
-    store->SetText(std::string(Store::root) + "\\" + address, valueName, text);
+    store->SetText(address, valueName, text);
 }
 
 void TestRegistry::SetBytes(const std::string& address, const std::string& valueName, unsigned long type,
                             const std::vector<unsigned char>& bytes) {
-    store->Set(std::string(Store::root) + "\\" + address, valueName, type, bytes);
+    store->Set(address, valueName, type, bytes);
 }
 
 }  // namespace Korvel
