@@ -70,7 +70,7 @@ bool KLogOutput::Write(std::string_view bytes) const noexcept {
     pthread_mutex_lock(&oneAtATime);
     while (!bytes.empty()) {
         const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && !WaitUntilWritable(descriptor)) {
+        if (written == 0 || (written < 0 && !WaitUntilWritable(descriptor))) {
             break;
         }
         bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));

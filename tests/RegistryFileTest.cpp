@@ -12,11 +12,15 @@ namespace {
 
 const std::string header = "Windows Registry Editor Version 5.00\n";
 
-/// Reads `bytes` as a registry file.
-KRegistryFile Load(const std::string& bytes) {
+struct TemporaryFile {
+    explicit TemporaryFile(const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+    ~TemporaryFile() { std::filesystem::remove(path); }
+
     const std::string path = testing::TempDir() + "korvel-registry-file-test.reg";
-    std::ofstream(path, std::ios::binary) << bytes;
-    return KRegistryFile(path);
+};
+
+KRegistryFile Load(const std::string& bytes) {
+    return KRegistryFile(TemporaryFile(bytes).path);
 }
 
 /// The fault that keeps `bytes` from being read, from the line's number on; empty if there is none.
@@ -161,10 +165,12 @@ TEST(RegistryFile, NamesTheLineAndItsFault) {
 }
 
 TEST(RegistryFile, RefusesWhatIsNoReadableFile) {
-    EXPECT_EQ(FaultOf(header + std::string(64U << 20U, '\n')), " is longer than 64 MiB");
-    EXPECT_THROW(KRegistryFile("/dev/zero"), KRegistryFileError);
-    EXPECT_THROW(KRegistryFile(testing::TempDir()), KRegistryFileError);
-    EXPECT_THROW(KRegistryFile(testing::TempDir() + "korvel-no-such-file.reg"), KRegistryFileError);
+    const TemporaryFile file(header);
+    std::filesystem::resize_file(file.path, (64U << 20U) + 1);
+    EXPECT_THROW(KRegistryFile{file.path}, KRegistryFileError);
+    EXPECT_THROW(KRegistryFile{"/dev/zero"}, KRegistryFileError);
+    EXPECT_THROW(KRegistryFile{testing::TempDir()}, KRegistryFileError);
+    EXPECT_THROW(KRegistryFile{testing::TempDir() + "korvel-no-such-file.reg"}, KRegistryFileError);
 }
 
 }  // namespace
