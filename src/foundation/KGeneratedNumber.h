@@ -10,8 +10,9 @@ namespace Korvel {
 /// The generator is the process's own and is seeded anew with the clock's second for every number, so names generated
 /// in one second share it. Kept: repeated-numbers.
 inline int DrawNameNumber() {
+    // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): a name, not a secret
     std::srand(static_cast<unsigned int>(std::time(nullptr)));
-    return std::rand() % 1000000 + 1;  // NOLINT(*-msc30-c,*-msc50-cpp): a name, not a secret
+    return std::rand() % 1000000 + 1;  // NOLINT(cert-msc30-c,cert-msc50-cpp)
 }
 
 }  // namespace Korvel

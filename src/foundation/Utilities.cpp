@@ -11,7 +11,7 @@ namespace Korvel {
 
 namespace {
 
-constexpr const char* rootKey = "SOFTWARE\\Korvel\\HwProvider";
+constexpr const char* rootKey = R"(SOFTWARE\Korvel\HwProvider)";
 constexpr std::size_t nameCapacity = 256;
 constexpr std::size_t valueCapacity = 256;
 
@@ -56,7 +56,7 @@ int Utilities::GetArrayConfigData(const std::string& address, const std::string&
     LogTrace("Entering Utilities::GetArrayConfigData()");
     KRegistryKey key;
     const auto readValue = [&]() -> int {
-        const KRegistryPath path("SOFTWARE\\Korvel\\HwProvider\\%s", address);
+        const KRegistryPath path(R"(SOFTWARE\Korvel\HwProvider\%s)", address);
         RequireRegistry(key.Open(path.Text(), KRegistryKey::Access::QueryValue), "Failed to open registry key");
         unsigned char buffer[valueCapacity];
         std::size_t size = sizeof buffer;

@@ -4,6 +4,7 @@
 
 #include "KConnection.h"
 #include "KGuard.h"
+#include "KOwnedList.h"
 #include "KorvelAccessLibrary.h"
 #include "Utilities.h"
 
@@ -16,9 +17,7 @@ void AddConfiguredArray(const std::string& address, std::list<KArray*>& arrays) 
     std::string accessKey;
     Utilities::GetArrayConfigData(address, "AccessKey", accessKey);
     LogEvent("Array IP: %s AccessKey: %s", address, accessKey);  // Kept: keys-in-the-log.
-    auto array = std::make_unique<KArray>(address, accessKey);
-    arrays.push_back(array.get());
-    array.release();
+    AppendOwned(arrays, std::make_unique<KArray>(address, accessKey));
 }
 
 bool HasAddress(KArray* array, const std::string& address) {

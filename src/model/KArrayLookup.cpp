@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <memory>
 
-#include "KArrayVolumes.h"
 #include "KConnection.h"
 #include "KGuard.h"
+#include "KOwnedList.h"
 #include "KServer.h"
 #include "KSnapshot.h"
 #include "KSnapshotRecord.h"
 #include "KVolumeRecord.h"
+#include "KorvelAccessLibrary.h"
 
 namespace Korvel {
 
@@ -54,12 +55,19 @@ bool GroupHasSnapshot(KConnection& connection, const std::string& cgName, const 
     return std::any_of(appended, records.end(), [&](const KSnapshotRecord& record) { return record.name == snapID; });
 }
 
+/// Creates a volume from the array's record of it.
+std::unique_ptr<KVolume> CreateVolume(KArray* array, const std::string& volID, const KVolumeRecord& record) {
+    auto volume = std::make_unique<KVolume>(volID, record.name, record.displayName, record.cgName);
+    volume->SetArray(array);
+    return volume;
+}
+
 /// Records a snapshot for a volume that was found by it. The volume's latest snapshot stays unset.
 void AddFoundSnapshot(KVolume* volume, const std::string& snapID) {
     auto snapshot = std::make_unique<KSnapshot>(snapID);
     snapshot->volume = volume;
     volume->AddSnapshotToList(snapshot.get());
-    snapshot.release();
+    static_cast<void>(snapshot.release());
 }
 
 }  // namespace
@@ -106,7 +114,7 @@ int KArray::GetVolumeByIDFromArray(const std::string& volID, KVolume*& volume) {
         *connection, records, status, [&](const KVolumeRecord& listed) { return listed.ieeeID == volID; });
     if (record != nullptr) {
         LogDetail("Found volume matching volume ID %s in the array", volID);
-        volume = AppendVolume(this, CreateVolumeOf(this, volID, record->name, record->displayName, record->cgName));
+        volume = AppendOwned(volumeList, CreateVolume(this, volID, *record));
         LogDetail("Added volume %s to the internal volume list", record->name);
     }
     if (volume == nullptr) {  // Kept: caller's-pointer-decides.
@@ -126,8 +134,7 @@ int KArray::GetVolumeByDispNameFromArray(const std::string& volDispName, KVolume
         *connection, records, status, [&](const KVolumeRecord& listed) { return listed.displayName == volDispName; });
     if (record != nullptr) {
         // Kept: two-volume-identifiers.
-        volume = AppendVolume(
-            this, CreateVolumeOf(this, record->productID, record->name, record->displayName, record->cgName));
+        volume = AppendOwned(volumeList, CreateVolume(this, record->productID, *record));
         LogDetail("Added volume %s to the internal volume list", record->name);
     }
     if (volume == nullptr) {  // Kept: caller's-pointer-decides.
@@ -148,7 +155,7 @@ int KArray::GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volu
         return GroupHasSnapshot(*connection, listed.cgName, snapID, snapshotRecords, status);
     });
     if (record != nullptr) {
-        auto found = CreateVolumeOf(this, record->productID, record->name, record->displayName, record->cgName);
+        auto found = CreateVolume(this, record->productID, *record);
         std::list<KVolume*> entry{found.get()};
         LogDetail("Added volume %s to the internal volume list", record->name);
         AddFoundSnapshot(found.get(), snapID);

@@ -1,29 +1,21 @@
 #include <algorithm>
 #include <memory>
 
-#include "KArrayVolumes.h"
 #include "KConnection.h"
 #include "KGeneratedNumber.h"
 #include "KGuard.h"
+#include "KOwnedList.h"
 #include "KServer.h"
+#include "KText.h"
+#include "KorvelAccessLibrary.h"
 
 namespace Korvel {
-
-namespace {
-
-/// Creates a server and gives it to an array.
-void AppendServer(KArray* array, const std::string& serverID, const std::string& hostIQN, const std::string& iscsiIP) {
-    auto server = std::make_unique<KServer>(serverID, hostIQN, iscsiIP);
-    array->AddServerToList(server.get());
-    server.release();
-}
-
-}  // namespace
 
 int KArray::CloneVolume(const std::string& cgID, const std::string& snapID, KVolume*& volume) {
     LogTrace("Entering KArray::CloneVolume() with input param cgID: %s snapID: %s", cgID, snapID);
     RequireArgument(!cgID.empty() && !snapID.empty(), "KArray::CloneVolume - Invalid input parameter");
-    const std::string cloneName = snapID.c_str() + ("_" + std::to_string(DrawNameNumber())) + ".clone";
+    std::string cloneName(UpToZero(snapID));
+    cloneName += "_" + std::to_string(DrawNameNumber()) + ".clone";
     std::string volID;
     std::string volName;
     std::string cgName;
@@ -34,7 +26,9 @@ int KArray::CloneVolume(const std::string& cgID, const std::string& snapID, KVol
     if (status == KStatusSuccess) {
         LogRecord(KLogLevelEvent, providerModule, "Volume clone(%s - %s) created for snapshot(%s)", volID, volName,
                   snapID);
-        volume = AppendVolume(this, CreateVolumeOf(this, volID, volName, cloneName, cgName));
+        auto clone = std::make_unique<KVolume>(volID, volName, cloneName, cgName);
+        clone->SetArray(this);
+        volume = AppendOwned(volumeList, std::move(clone));
         LogDetail("Added clone volume %s to the internal volume list", volName);
     }
     LogTrace("Exiting KArray::CloneVolume() with return code : %d", status);
@@ -97,8 +91,8 @@ int KArray::GetServerIDByIQN(const std::string& hostIQN, std::string& serverID) 
     RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQN - Invalid input parameter");
     int status = KStatusNotFound;
     for (const KServer* server : serverList) {
-        if (server != nullptr && server->hostIQN->c_str() == hostIQN) {
-            serverID = server->serverID->c_str();
+        if (server != nullptr && UpToZero(*server->hostIQN) == hostIQN) {
+            serverID = UpToZero(*server->serverID);
             status = KStatusSuccess;  // Kept: last-server-wins. The walk goes on.
         }
     }
@@ -112,13 +106,12 @@ int KArray::GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& s
     std::string iscsiIP;
     int status = connection->GetServerInfoByIQN(hostIQN, serverID, iscsiIP);
     if (status == KStatusSuccess) {
-        AppendServer(this, serverID, hostIQN, iscsiIP);
+        AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
     } else if (status == KStatusNotFound) {
-        const std::string displayName(hostIQN);
-        status = connection->CreateServer(displayName, hostIQN, iscsiIP, serverID);
+        status = connection->CreateServer(hostIQN, hostIQN, iscsiIP, serverID);
         if (status == KStatusSuccess) {
             LogEvent("Successfully created server(%s) in the array", serverID);
-            AppendServer(this, serverID, hostIQN, iscsiIP);
+            AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
         }
     }
     LogTrace("Exiting KArray::GetServerIDByIQNFromArray() with return code : %d", status);

@@ -1,13 +1,26 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "KConnection.h"
 #include "KGuard.h"
+#include "KOwnedList.h"
 #include "KSnapshot.h"
+#include "KText.h"
 #include "KorvelAccessLibrary.h"
 
 namespace Korvel {
+
+namespace {
+
+std::list<KSnapshot*>::const_iterator FindSnapshot(const std::list<KSnapshot*>& snapshots, const std::string& snapID) {
+    return std::find_if(snapshots.begin(), snapshots.end(), [&](const KSnapshot* snapshot) {
+        return snapshot != nullptr && *snapshot->snapshotID == snapID;
+    });
+}
+
+}  // namespace
 
 KVolume::KVolume(const std::string& id, const std::string& name, const std::string& dispName,
                  const std::string& group) {
@@ -58,17 +71,17 @@ int KVolume::GetVolumeID(std::string*& ownID) {
 
 // The copying getters take the stored text as a zero-terminated one.
 int KVolume::GetVolumeName(std::string& name) {
-    name = volumeName->c_str();
+    name = UpToZero(*volumeName);
     return KStatusSuccess;
 }
 
 int KVolume::GetVolumeDispName(std::string& dispName) {
-    dispName = volumeDispName->c_str();
+    dispName = UpToZero(*volumeDispName);
     return KStatusSuccess;
 }
 
 int KVolume::GetCgID(std::string& group) {
-    group = cgID->c_str();
+    group = UpToZero(*cgID);
     return KStatusSuccess;
 }
 
@@ -78,7 +91,7 @@ int KVolume::GetCgIDPtr(std::string*& ownGroup) {
 }
 
 int KVolume::GetLatestSnapshotID(std::string& snapID) {
-    snapID = latestSnapshotID->c_str();
+    snapID = UpToZero(*latestSnapshotID);
     return KStatusSuccess;
 }
 
@@ -98,16 +111,14 @@ int KVolume::AddSnapshotToList(KSnapshot* snapshot) {
 }
 
 int KVolume::IsSnapAvailable(const std::string& snapID) {
-    const auto isWanted = [&](const KSnapshot* snapshot) { return snapshot && *snapshot->snapshotID == snapID; };
-    return std::any_of(snapshotList.begin(), snapshotList.end(), isWanted) ? KStatusSuccess : KStatusNotFound;
+    return FindSnapshot(snapshotList, snapID) != snapshotList.end() ? KStatusSuccess : KStatusNotFound;
 }
 
 int KVolume::AddCreatedSnapshot(const std::string& snapID) {
     auto snapshot = std::make_unique<KSnapshot>(snapID);
     snapshot->volume = this;
     std::string latest(snapID);
-    snapshotList.push_back(snapshot.get());
-    snapshot.release();
+    AppendOwned(snapshotList, std::move(snapshot));
     LogDetail("Added snapshot %s to the internal snapshot list", snapID);
     latestSnapshotID->swap(latest);
     // Kept: number-for-volume. The line shows the low half of where the identifier's text lies, not the identifier.
@@ -123,8 +134,7 @@ int KVolume::DeleteSnapshot(std::string& snapID) {
     if (status != KStatusSuccess) {
         return status;
     }
-    const auto isWanted = [&](const KSnapshot* snapshot) { return snapshot && *snapshot->snapshotID == snapID; };
-    const auto found = std::find_if(snapshotList.begin(), snapshotList.end(), isWanted);
+    const auto found = FindSnapshot(snapshotList, snapID);
     if (found != snapshotList.end()) {
         delete *found;
         snapshotList.erase(found);

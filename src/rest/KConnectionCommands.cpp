@@ -37,7 +37,8 @@ std::string SnapshotSetBody(const std::list<std::string*>& volNames, const std::
         if (number > 1) {
             body += '&';
         }
-        body += key + "_name=snap_" + drawn + '_' + **volName + '&' + key + "_cg=" + **cgName;
+        body.append(key).append("_name=snap_").append(drawn).append("_").append(**volName);
+        body.append("&").append(key).append("_cg=").append(**cgName);
         ++number;
     }
     return body;
