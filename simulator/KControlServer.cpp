@@ -1,0 +1,123 @@
+#include "KControlServer.h"
+
+#include <charconv>
+#include <stdexcept>
+
+namespace Korvel {
+namespace {
+
+void Reply(httplib::Response& response, int status, const nlohmann::json& value) {
+    response.status = status;
+    response.set_content(value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n",
+                         "application/json");
+}
+
+template <typename Run>
+void Guarded(httplib::Response& response, Run run) {
+    try {
+        Reply(response, 200, run());
+    } catch (const std::out_of_range& error) {
+        Reply(response, 404, {{"error", error.what()}});
+    } catch (const std::exception& error) {
+        Reply(response, 400, {{"error", error.what()}});
+    }
+}
+
+std::uint64_t Number(const std::string& text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        throw std::invalid_argument("not a number: " + text);
+    }
+    return number;
+}
+
+}  // namespace
+
+KControlServer::KControlServer(KSimulator& controlled, std::function<void()> shutDown)
+    : KLoopbackServer(nullptr), simulator(controlled) {
+    const nlohmann::json done = nlohmann::json::object();
+    AddArrays();
+    AddFaults();
+    Get("/journal", Plain([this](const auto& request, const auto&) {
+            return simulator.Journal().ToJson(request.has_param("from") ? Number(request.get_param_value("from")) : 0);
+        }));
+    Delete("/journal", Plain([this, done](const auto&, const auto&) {
+               simulator.Journal().Clear();
+               return done;
+           }));
+    Post("/reset", WithBody([this, done](const auto&, const auto&) {
+             simulator.Reset();
+             return done;
+         }));
+    Post("/shutdown", WithBody([shutDown, done](const auto&, const auto&) {
+             shutDown();
+             return done;
+         }));
+    set_error_handler([](const httplib::Request&, httplib::Response& response) {
+        if (response.body.empty()) {
+            Reply(response, response.status, {{"error", "there is nothing of this method and path"}});
+        }
+    });
+}
+
+KControlServer::~KControlServer() {
+    Stop();
+}
+
+void KControlServer::AddArrays() {
+    Get("/arrays", Plain([this](const auto&, const auto&) {
+            nlohmann::json all = nlohmann::json::array();
+            for (const auto& array : simulator.Arrays()) {
+                all.push_back({{"address", array->Address()}, {"key", array->Key()}});
+            }
+            return all;
+        }));
+    Get(R"(/arrays/(\d+)/state)",
+        Plain([this](const auto& request, const auto&) { return StateOf(request).Inventory().ToJson(); }));
+    Put(R"(/arrays/(\d+)/state)", WithBody([this](const auto& request, const auto& body) {
+            StateOf(request).SetInventory(KInventory::FromJson(body));
+            return nlohmann::json::object();
+        }));
+}
+
+void KControlServer::AddFaults() {
+    Get("/faults", Plain([this](const auto&, const auto&) { return simulator.Faults().ToJson(); }));
+    Post("/faults", WithBody([this](const auto&, const auto& body) {
+             KFault fault = KFault::FromJson(body);
+             if (fault.array && *fault.array >= simulator.Arrays().size()) {
+                 throw std::invalid_argument("there is no array " + std::to_string(*fault.array));
+             }
+             return nlohmann::json{{"id", simulator.Faults().Arm(std::move(fault))}};
+         }));
+    Delete("/faults", Plain([this](const auto&, const auto&) {
+               simulator.Faults().Clear();
+               return nlohmann::json::object();
+           }));
+}
+
+KArrayState& KControlServer::StateOf(const httplib::Request& request) const {
+    const std::uint64_t number = Number(request.matches[1]);
+    if (number >= simulator.Arrays().size()) {
+        throw std::out_of_range("there is no array " + std::to_string(number));
+    }
+    return simulator.Arrays()[number]->State();
+}
+
+httplib::Server::Handler KControlServer::Plain(Action action) {
+    return [action = std::move(action)](const httplib::Request& request, httplib::Response& response) {
+        Guarded(response, [&] { return action(request, nlohmann::json()); });
+    };
+}
+
+// The body is read here: the library would take what a client calls a form for one, and refuse it when it is long.
+httplib::Server::HandlerWithContentReader KControlServer::WithBody(Action action) {
+    return [action = std::move(action)](const httplib::Request& request, httplib::Response& response,
+                                        const httplib::ContentReader& reader) {
+        const std::string body = ReadBody(request, reader);
+        Guarded(response,
+                [&] { return action(request, body.empty() ? nlohmann::json() : nlohmann::json::parse(body)); });
+    };
+}
+
+}  // namespace Korvel

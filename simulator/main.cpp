@@ -1,0 +1,76 @@
+#include <libxml/parser.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include "KControlServer.h"
+#include "KOptions.h"
+#include "KSimulator.h"
+
+namespace {
+
+// Every thread inherits the mask, so that the signals wait for the one that asks for them.
+sigset_t BlockEndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+// The entries hold access keys, so the file is its owner's alone from the first byte on.
+void WriteRegFile(const std::string& path, const std::string& text) {
+    umask(S_IRWXG | S_IRWXO);
+    std::ofstream file(path, std::ios::trunc);
+    if (file) {
+        using std::filesystem::perms;
+        std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
+    }
+    if (!(file << text).flush()) {
+        throw std::runtime_error("cannot write " + path);
+    }
+}
+
+void Announce(const Korvel::KSimulator& simulator, const Korvel::KControlServer& control) {
+    std::cout << "ready control=" << control.Address();
+    for (const auto& array : simulator.Arrays()) {
+        std::cout << " array=" << array->Address() << " key=" << array->Key();
+    }
+    std::cout << "\n" << simulator.RegistryText() << "; end of registry entries" << std::endl;
+}
+
+void Run(const Korvel::KOptions& options) {
+    const sigset_t signals = BlockEndSignals();
+    Korvel::KSimulator simulator(options);
+    Korvel::KControlServer control(simulator, [] { kill(getpid(), SIGTERM); });
+    control.Start(options.address, options.controlPort);
+    if (!options.regFile.empty()) {
+        WriteRegFile(options.regFile, simulator.RegistryText());
+    }
+    Announce(simulator, control);
+    int signal = 0;
+    sigwait(&signals, &signal);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int exitCode = 0;
+    try {
+        if (const auto options = Korvel::KOptions::Parse(argc, argv, exitCode)) {
+            xmlInitParser();
+            Run(*options);
+            xmlCleanupParser();
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "korvel-simulator: " << error.what() << std::endl;
+        exitCode = 1;
+    }
+    return exitCode;
+}
