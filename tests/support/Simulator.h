@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Korvel::Testing {
+
+/// A request as an array of the simulator received it.
+struct JournalEntry {
+    std::uint64_t sequence = 0;                                ///< over all arrays, from 1
+    std::size_t array = 0;                                     ///< number of the array, from 0
+    std::string method;                                        ///< request method
+    std::string target;                                        ///< path as it stood on the wire
+    std::string version;                                       ///< "HTTP/1.1"
+    std::vector<std::pair<std::string, std::string>> headers;  ///< in the order sent
+    std::string body;                                          ///< the body's bytes
+    bool newConnection = false;                                ///< whether it was the first of its connection
+    std::uint64_t fault = 0;                                   ///< number of the fault it met, 0 for none
+};
+
+/// The tests' hold on a running korvel-simulator, found through KORVEL_SIMULATOR_CONTROL ("host:port").
+/// Every operation throws std::runtime_error with the simulator's message when it fails.
+class Simulator {
+public:
+    /// Returns the one simulator; connects on the first call.
+    static Simulator& Instance();
+
+    /// Connects to the control interface at `control`, "host:port".
+    explicit Simulator(std::string control);
+
+    /// Returns the number of arrays.
+    std::size_t Arrays() const { return arrays.size(); }
+
+    /// Returns the address ("host:port") of the array with the number `array`, from 0.
+    const std::string& Address(std::size_t array = 0) const { return arrays.at(array).first; }
+
+    /// Returns that array's access key.
+    const std::string& Key(std::size_t array = 0) const { return arrays.at(array).second; }
+
+    /// Puts every array back to what it held at start and forgets faults and journal.
+    void Reset();
+
+    /// Returns what an array holds.
+    nlohmann::json State(std::size_t array = 0);
+
+    /// Replaces what an array holds.
+    void SetState(std::size_t array, const nlohmann::json& state);
+
+    /// Arms a fault and returns its number.
+    std::uint64_t Arm(const nlohmann::json& fault);
+
+    /// Returns the faults that have not hit as many requests as they were armed for.
+    nlohmann::json UnfiredFaults();
+
+    /// Forgets all faults.
+    void ClearFaults();
+
+    /// Returns the requests since the start, the last Reset or the last ClearJournal.
+    std::vector<JournalEntry> Journal();
+
+    /// Forgets the requests.
+    void ClearJournal();
+
+    /// Returns the registry entries for all arrays, in the registry editor's export format.
+    std::string RegistryText() const;
+
+private:
+    nlohmann::json Call(const char* method, const std::string& path, const nlohmann::json& body = {});
+
+    std::string host;
+    std::vector<std::pair<std::string, std::string>> arrays;
+};
+
+}  // namespace Korvel::Testing
