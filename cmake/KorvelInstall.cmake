@@ -1,0 +1,33 @@
+include(CMakePackageConfigHelpers)
+
+install(TARGETS KorvelAccessLibrary Logger EXPORT KorvelAccessLibraryTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+# The headers keep their folders, because the public one names the others by them.
+install(FILES src/model/KorvelAccessLibrary.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/model)
+install(FILES src/foundation/KException.h src/foundation/KExport.h src/foundation/KStatus.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/foundation)
+install(FILES logger/Logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/logger)
+
+if(KORVEL_BUILD_TOOLS)
+    install(TARGETS korvelctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+if(KORVEL_BUILD_SIMULATOR)
+    install(TARGETS korvel-simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+set(KORVEL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KorvelAccessLibrary)
+install(EXPORT KorvelAccessLibraryTargets NAMESPACE Korvel:: DESTINATION ${KORVEL_PACKAGE_DIR})
+configure_package_config_file(cmake/KorvelAccessLibraryConfig.cmake.in KorvelAccessLibraryConfig.cmake
+    INSTALL_DESTINATION ${KORVEL_PACKAGE_DIR})
+write_basic_package_version_file(KorvelAccessLibraryConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KorvelAccessLibraryConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/KorvelAccessLibraryConfigVersion.cmake DESTINATION ${KORVEL_PACKAGE_DIR})
+
+# The prefix is told from where the file lies, so that an installed tree can be moved.
+file(RELATIVE_PATH KORVEL_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" KORVEL_PREFIX_FROM_PKGCONFIG "${KORVEL_PREFIX_FROM_PKGCONFIG}")
+configure_file(cmake/korvel-access-library.pc.in korvel-access-library.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/korvel-access-library.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -52,3 +52,6 @@ need_packages() {
 # What a native build of the whole project needs on a bare Debian 12.
 native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-dev libssl-dev libcpp-httplib-dev
     nlohmann-json3-dev libcli11-dev libgtest-dev)
+
+# What checking its form needs besides.
+check_packages=(clang clang-format clang-tidy libclang-rt-14-dev git)
