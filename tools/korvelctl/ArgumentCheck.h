@@ -39,6 +39,7 @@ void CheckAccessKey(std::string_view accessKey);
 void CheckBodyText(std::string_view what, std::string_view text);
 
 /// Refuses a name that would make a path lead elsewhere or that does not fit into the URL.
+/// @param address the array's address; empty as long as it is not known
 /// @param name the name the path carries; empty for a path without one
 void CheckPath(std::string_view what, std::string_view address, const RequestPath& path, std::string_view name = {});
 

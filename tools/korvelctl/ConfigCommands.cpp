@@ -8,14 +8,17 @@ struct CheckOptions {};
 
 KReport CheckConfiguration(const CheckOptions& /*options*/) {
     const Configuration configuration = ReadConfiguration();
-    KReport report({{"Array", "array"}, {"Access key", "accessKey"}, {"Where", "place"}});
+    KReport report({{"Array", "array"}, {"Finding", "finding"}, {"Where", "place"}});
     for (const std::string& fault : configuration.faults) {
         report.AddProblem(fault);
     }
     for (const ConfiguredArray& array : configuration.arrays) {
-        report.AddRow({array.address, array.faults.empty() ? "present" : "unusable", array.place});
         for (const std::string& fault : array.faults) {
+            report.AddRow({array.address, fault, array.place});
             report.AddProblem(array.place + ": array " + array.address + ": " + fault);
+        }
+        if (array.faults.empty()) {
+            report.AddRow({array.address, "in order", array.place});
         }
     }
     if (!report.Problems().empty()) {

@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <cctype>
 #include <list>
-#include <string_view>
 
 #include "ArgumentCheck.h"
 #include "CommandLine.h"
@@ -57,20 +55,6 @@ void CheckSendable(const ArraySet& set) {
     }
 }
 
-/// Tells whether an array's snapshot name is the one the library asked for on behalf of a volume: snap_NUMBER_VOLUME.
-bool IsSnapshotOf(std::string_view snapshot, std::string_view volumeName) {
-    constexpr std::string_view prefix = "snap_";
-    if (snapshot.substr(0, prefix.size()) != prefix) {
-        return false;
-    }
-    snapshot.remove_prefix(prefix.size());
-    const auto digitsEnd =
-        std::find_if(snapshot.begin(), snapshot.end(), [](unsigned char c) { return std::isdigit(c) == 0; });
-    const auto digits = static_cast<std::size_t>(digitsEnd - snapshot.begin());
-    return digits > 0 && digits < snapshot.size() && snapshot[digits] == '_' &&
-           snapshot.substr(digits + 1) == volumeName;
-}
-
 /// Takes one array's set and returns the names the array gave.
 std::list<std::string> TakeSet(const ArraySet& set) {
     std::list<std::string> names;
@@ -87,24 +71,25 @@ std::list<std::string> TakeSet(const ArraySet& set) {
     return snapshots;
 }
 
-/// Shows what an array created. The array says which snapshots, not of which volumes: a name tells, unless the array
-/// chose one of its own.
+/// Shows what an array created. An array names the snapshots in the order it was asked for them; when their number is
+/// another, nothing tells which snapshot is whose.
 void ReportSet(KReport& report, const ArraySet& set, const std::list<std::string>& snapshots) {
+    const std::string address = AddressOf(*set.array);
+    const bool matched = snapshots.size() == set.volumes.size();
+    auto found = set.volumes.begin();
     for (const std::string& snapshot : snapshots) {
-        const auto found = std::find_if(set.volumes.begin(), set.volumes.end(), [&](const FoundVolume& volume) {
-            return IsSnapshotOf(snapshot, volume.Name());
-        });
-        if (found == set.volumes.end()) {
-            report.AddRow({AddressOf(*set.array), "", "", snapshot});
+        if (!matched) {
+            report.AddRow({address, "?", "?", snapshot});
             continue;
         }
         found->volume->AddCreatedSnapshot(snapshot);
         std::string latest;
         found->volume->GetLatestSnapshotID(latest);
-        report.AddRow({AddressOf(*set.array), found->DisplayName(), found->Name(), latest});
+        report.AddRow({address, found->DisplayName(), found->Name(), latest});
+        ++found;
     }
-    if (snapshots.size() != set.volumes.size()) {
-        report.AddProblem("array " + AddressOf(*set.array) + " was asked for " + std::to_string(set.volumes.size()) +
+    if (!matched) {
+        report.AddProblem("array " + address + " was asked for " + std::to_string(set.volumes.size()) +
                           " snapshots and names " + std::to_string(snapshots.size()));
     }
 }
@@ -136,6 +121,9 @@ KReport CreateSnapshots(const CreateOptions& options) {
 KReport DeleteSnapshots(const DeleteOptions& options) {
     RequireConfirmable(options.yes);
     RefuseRepeated(options.snapshots);
+    for (const std::string& snapshot : options.snapshots) {
+        CheckPath("snapshot name", "", DeleteSnapshotPath, snapshot);  // what no array could be sent needs no search
+    }
     KSession session(options.target);
     std::vector<FoundVolume> volumes;
     std::string listed;

@@ -90,6 +90,12 @@ using MappingOperation = int (KArray::*)(const std::string&, const std::string&)
 
 KReport ChangeMapping(const MappingOptions& options, const std::string& verb, const char* sentence,
                       MappingOperation operation) {
+    if (options.iqn.empty()) {
+        CheckBodyText("server ID", options.server);
+        CheckPath("server ID", "", AttachPath, options.server);
+    } else {
+        CheckBodyText("initiator name", options.iqn);
+    }
     KSession session(options.target);
     const FoundVolume found = FindOneVolume(session, VolumeKey::DisplayName, options.volume);
     const std::string address = AddressOf(*found.array);
