@@ -51,7 +51,12 @@ need_packages() {
 
 # What a native build of the whole project needs on a bare Debian 12.
 native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-dev libssl-dev libcpp-httplib-dev
-    nlohmann-json3-dev libcli11-dev libgtest-dev)
+    nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
 
 # What checking its form needs besides.
 check_packages=(clang clang-format clang-tidy libclang-rt-14-dev git)
+
+# Keeps compiled objects between runs, wherever the tree lies. Wants the package ccache.
+use_compiler_cache() {
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+}
