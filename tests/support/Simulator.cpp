@@ -104,7 +104,8 @@ void Simulator::ClearFaults() {
 
 std::vector<JournalEntry> Simulator::Journal() {
     std::vector<JournalEntry> entries;
-    for (const auto& entry : Call("GET", "/journal").at("entries")) {
+    const nlohmann::json journal = Call("GET", "/journal");
+    for (const auto& entry : journal.at("entries")) {
         entries.push_back(Entry(entry));
     }
     return entries;

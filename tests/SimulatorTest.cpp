@@ -1,0 +1,227 @@
+#include <curl/curl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Simulator.h"
+
+namespace Korvel::Testing {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Pair;
+
+struct Reply {
+    CURLcode result = CURLE_OK;
+    long status = 0;
+    std::string body;
+};
+
+class SimulatorTest : public testing::Test {
+protected:
+    void SetUp() override { array.Reset(); }
+
+    Reply Send(const std::string& method, const std::string& target, const std::string& body = "",
+               std::size_t number = 0, bool follow = false) {
+        const std::string header = "X-Access-Key: " + key + array.Key(number);
+        const std::unique_ptr<curl_slist, void (*)(curl_slist*)> headers(curl_slist_append(nullptr, header.c_str()),
+                                                                         curl_slist_free_all);
+        const std::unique_ptr<CURL, void (*)(CURL*)> handle(curl_easy_init(), curl_easy_cleanup);
+        const std::string url = "https://" + array.Address(number) + target;
+        Reply reply;
+        curl_easy_setopt(handle.get(), CURLOPT_URL, url.c_str());
+        curl_easy_setopt(handle.get(), CURLOPT_PATH_AS_IS, 1L);
+        curl_easy_setopt(handle.get(), CURLOPT_SSL_VERIFYPEER, 0L);
+        curl_easy_setopt(handle.get(), CURLOPT_SSL_VERIFYHOST, 0L);
+        curl_easy_setopt(handle.get(), CURLOPT_FOLLOWLOCATION, follow ? 1L : 0L);
+        curl_easy_setopt(handle.get(), CURLOPT_HTTPHEADER, headers.get());
+        if (method != "GET") {
+            curl_easy_setopt(handle.get(), CURLOPT_CUSTOMREQUEST, method.c_str());
+        }
+        if (method == "POST") {
+            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
+            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDS, body.c_str());
+        }
+        curl_easy_setopt(handle.get(), CURLOPT_WRITEDATA, &reply.body);
+        curl_easy_setopt(
+            handle.get(), CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t count, void* text) {
+                static_cast<std::string*>(text)->append(bytes, size * count);
+                return size * count;
+            });
+        reply.result = curl_easy_perform(handle.get());
+        curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &reply.status);
+        return reply;
+    }
+
+    Simulator& array = Simulator::Instance();
+    std::string key;  // put before the right one, to make it wrong
+};
+
+const char* const pair = "snapshots_set_1_name=s1&snapshots_set_1_cg=cg-00000001";
+const char* const map = "id=srv-00000001&volume_name=vol-00000001&readonly=no&force=no";
+const char* const host = "display_name=h2&iscsi=10.1.1.1&iqn=iqn.h2&ipsec=no&force=no";
+
+// Each step: a command, what its reply has to hold, a listing, and what that holds afterwards.
+TEST_F(SimulatorTest, CommandsChangeTheListings) {
+    const std::string group = "/api/consistency_groups/cg-00000001";
+    const std::vector<std::array<std::string, 6>> steps = {
+        {"POST", "/api/snapshots/snapshots_set", pair, "<snapshot>snap-00000005</snapshot>", group + "/snapshots",
+         "<name>snap-00000005</name><display-name>s1</display-name>"},
+        {"POST", group + "/clone", "snapshot=snap-00000005&name=a b%20c&timeout=30", "<cg-name>cg-00000006</cg-name>",
+         "/api/volumes", "<display-name>a b%20c</display-name>"},
+        {"POST", "/api/servers", host, "<server-name>srv-00000008</server-name>", "/api/servers", "<iqn>iqn.h2</iqn>"},
+        {"POST", "/api/servers/srv-00000001/volumes", map, "<attach-volume-response><status>0<", "/api/volumes",
+         "<mapped-to>srv-00000001</mapped-to>"},
+        {"DELETE", "/api/volumes/vol-00000001", "", "<status-msg>Volume vol-00000001 is mapped", "/api/volumes",
+         "<name>vol-00000001<"},
+        {"POST", "/api/volumes/vol-00000001/detach", "servers=srv-00000001", "<detach-volume-response><status>0<",
+         "/api/volumes", "!<mapped-to>"},
+        {"POST", group + "/rollback", "snapname=snap-00000005&timeout=30", "<clone-cg-response><status>0<",
+         "/api/volumes", "<rolled-back-to>snap-00000005<"},
+        {"DELETE", "/api/volumes/vol-00000001", "", "which has snapshots", "/api/volumes", "<name>vol-00000001<"},
+        {"DELETE", "/api/snapshots/snap-00000005", "", "<delete-snapshot-response><status>0<", group + "/snapshots",
+         "!<name>"},
+        {"DELETE", "/api/volumes/vol-00000001", "", "<delete-volume-response><status>0<", "/api/volumes",
+         "!<name>vol-00000001<"},
+    };
+    for (const auto& [method, target, body, answer, listing, held] : steps) {
+        SCOPED_TRACE(method + " " + target);
+        EXPECT_THAT(Send(method, target, body).body, HasSubstr(answer));
+        const bool absent = held.front() == '!';
+        const bool listed = Send("GET", listing).body.find(held.substr(absent ? 1 : 0)) != std::string::npos;
+        EXPECT_NE(listed, absent) << held;
+    }
+}
+
+TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
+    const json before = array.State();
+    const std::string second = "&snapshots_set_2_name=s2&snapshots_set_2_cg=";
+    const std::string set = "/api/snapshots/snapshots_set";
+    const std::vector<std::array<std::string, 5>> cases = {
+        {"POST", set, "", "create-snapshot-set", "empty"},
+        {"POST", set, pair + second + "nix", "create-snapshot-set", "group nix does not exist"},
+        {"POST", set, pair + second, "create-snapshot-set", "set_2_cg is missing"},
+        {"POST", set, std::string(pair) + "&snapshots_set_3_name=s3", "create-snapshot-set", "without gaps"},
+        {"POST", set, pair + second + "cg-00000002&x", "create-snapshot-set", "no value"},
+        {"POST", set, "snapshots_set_1_name=\xff&snapshots_set_1_cg=cg-00000001", "create-snapshot-set", "not allowed"},
+        {"DELETE", "/api/snapshots/nix", "", "delete-snapshot", "nix does not exist"},
+        {"DELETE", "/api/volumes/a/b%2f", "", "delete-volume", "Volume a/b%2f does not exist"},
+        {"POST", "/api/consistency_groups/cg-00000001/clone", "snapshot=nix&name=n&timeout=30", "clone-cg", "nix"},
+        {"POST", "/api/consistency_groups/nix/rollback", "snapname=s&timeout=30", "clone-cg", "nix"},
+        {"POST", "/api/servers", "display_name=h&iqn=i&ipsec=no&force=no", "create-server", "iscsi is missing"},
+        {"POST", "/api/servers/nix/volumes", map, "attach-volume", "Server nix"},
+        {"POST", "/api/volumes/vol-00000001/detach", "servers=srv-00000001", "detach-volume", "not mapped"},
+        {"GET", "/api/consistency_groups/nix/snapshots", "", "show-snapshots", "nix does not exist"},
+    };
+    for (const auto& [method, target, body, element, message] : cases) {
+        SCOPED_TRACE(method + " " + target + " " + body);
+        const Reply reply = Send(method, target, body);
+        EXPECT_EQ(reply.status, 200);
+        EXPECT_THAT(reply.body, AllOf(HasSubstr("<" + element + "-response><status>1<"), HasSubstr(message)));
+    }
+    EXPECT_EQ(array.State(), before);
+    EXPECT_EQ(Send("GET", "/api/nix").status, 404);
+    EXPECT_EQ(Send("DELETE", "/api/volumes").status, 405);
+    key = "x";
+    EXPECT_EQ(Send("GET", "/api/volumes").status, 401);
+}
+
+TEST_F(SimulatorTest, TakesAReplacedStateAndSetsOfThousandsOfVolumes) {
+    array.SetState(0, {{"volumes", {{{"name", "v"}, {"displayName", "<&>"}, {"group", "a/b"}}}}});
+    EXPECT_THAT(Send("GET", "/api/volumes").body, HasSubstr("<display-name>&lt;&amp;&gt;</display-name>"));
+    EXPECT_THAT(Send("GET", "/api/servers").body, HasSubstr("<servers/>"));
+    std::string set;
+    for (int i = 1; i <= 3000; ++i) {
+        const std::string name = (i > 1 ? "&" : "") + ("snapshots_set_" + std::to_string(i));
+        set += name + "_name=s" + std::to_string(i) + "&" + name.substr(i > 1 ? 1 : 0) + "_cg=a/b";
+    }
+    EXPECT_THAT(Send("POST", "/api/snapshots/snapshots_set", set).body, HasSubstr("<status>0<"));
+    EXPECT_EQ(array.State().at("snapshots").at("a/b").size(), 3000U);
+    EXPECT_THROW(array.SetState(0, {{"volumes", {{{"nmae", "v"}}}}}), std::runtime_error);
+    EXPECT_THROW(array.SetState(9, json::object()), std::runtime_error);
+}
+
+TEST_F(SimulatorTest, FaultsHitTheRequestsTheyAreMeantFor) {
+    const std::string whole = Send("GET", "/api/drives").body;
+    struct Case {
+        json fault;
+        CURLcode result;
+        long status;
+        std::string body;
+    };
+    const Case cases[] = {
+        {{{"kind", "status"}, {"status", 503}, {"body", "busy"}}, CURLE_OK, 503, "busy"},
+        {{{"kind", "body"}, {"body", {{"base64", "/wA+Pw=="}}}}, CURLE_OK, 200, std::string("\xff\0>?", 4)},
+        {{{"kind", "cut"}, {"keep", 9}}, CURLE_PARTIAL_FILE, 200, whole.substr(0, 9)},
+        {{{"kind", "drop"}}, CURLE_GOT_NOTHING, 0, ""},
+        {{{"kind", "delay"}, {"delay", 1}}, CURLE_OK, 200, whole},
+        {{{"kind", "redirect"}, {"location", "/api/nix"}}, CURLE_OK, 302, ""},
+    };
+    for (const auto& [fault, result, status, body] : cases) {
+        SCOPED_TRACE(fault.dump());
+        json armed = fault;
+        armed.update({{"array", 0}, {"method", "GET"}, {"path", "/api/drives"}, {"skip", 1}});
+        array.Arm(armed);
+        EXPECT_EQ(Send("GET", "/api/drives").body, whole);
+        EXPECT_EQ(Send("GET", "/api/drives", "", 1).body, whole);
+        EXPECT_EQ(Send("POST", "/api/drives").status, 405);
+        EXPECT_EQ(array.UnfiredFaults().size(), 1U);
+        const Reply reply = Send("GET", "/api/drives");
+        // With some TLS libraries a connection that ends early is an error of receiving.
+        EXPECT_TRUE(reply.result == result || (result != CURLE_OK && reply.result == CURLE_RECV_ERROR)) << reply.result;
+        EXPECT_EQ(reply.status, status);
+        EXPECT_EQ(reply.body, body);
+        EXPECT_TRUE(array.UnfiredFaults().empty());
+        EXPECT_EQ(Send("GET", "/api/drives").body, whole);
+    }
+    array.Arm({{"kind", "redirect"}, {"location", "/api/drives"}, {"glob", "/api/v*"}});
+    EXPECT_EQ(Send("GET", "/api/volumes", "", 0, true).body, whole);
+    array.Arm({{"kind", "drop"}, {"execute", true}});
+    EXPECT_NE(Send("DELETE", "/api/volumes/vol-00000001").result, CURLE_OK);
+    EXPECT_EQ(array.State().at("volumes").size(), 3U);
+}
+
+TEST_F(SimulatorTest, RefusesFaultsThatMakeNoSense) {
+    const json cases[] = {json::array(),
+                          {{"kind", "nix"}},
+                          {{"kind", "status"}},
+                          {{"kind", "drop"}, {"pth", "/api/volumes"}},
+                          {{"kind", "drop"}, {"count", 0}},
+                          {{"kind", "drop"}, {"array", 2}},
+                          {{"kind", "drop"}, {"path", "/"}, {"glob", "*"}},
+                          {{"kind", "body"}, {"body", {{"base64", "*"}}}}};
+    for (const auto& fault : cases) {
+        EXPECT_THROW(array.Arm(fault), std::runtime_error) << fault;
+    }
+}
+
+TEST_F(SimulatorTest, JournalHoldsWhatCameOverTheWire) {
+    Send("POST", "/api/a%41\xff/../b", std::string("x=\xfe%41&\0", 8), 1);
+    array.Arm({{"kind", "drop"}});
+    Send("GET", "/api/drives");
+    Send("GET", "/api/a?b?c");
+    const auto entries = array.Journal();
+    ASSERT_EQ(entries.size(), 3U);
+    EXPECT_EQ(entries[0].method, "POST");
+    EXPECT_EQ(entries[0].target, "/api/a%41\xff/../b");
+    EXPECT_EQ(entries[0].body, std::string("x=\xfe%41&\0", 8));
+    EXPECT_EQ(entries[0].array, 1U);
+    EXPECT_EQ(entries[0].headers.front(), std::make_pair(std::string("Host"), array.Address(1)));
+    EXPECT_THAT(entries[0].headers, Contains(Pair("X-Access-Key", array.Key(1))));
+    EXPECT_TRUE(entries[1].newConnection && entries[1].array == 0 && entries[1].sequence == 2);
+    EXPECT_NE(entries[1].fault, 0U);
+    EXPECT_EQ(entries[2].target, "/api/a?b?c");
+    array.ClearJournal();
+    EXPECT_TRUE(array.Journal().empty());
+}
+
+}  // namespace
+}  // namespace Korvel::Testing
