@@ -16,8 +16,9 @@ namespace Korvel {
 template <std::size_t Capacity>
 class KBoundedText {
 public:
+    /// Formats the text, or ends the process.
     template <typename... Arguments>
-    explicit KBoundedText(KFormatFor<Arguments...> format, const Arguments&... arguments) {
+    explicit KBoundedText(KPartialFormatFor<Arguments...> format, const Arguments&... arguments) {
         const int length = std::snprintf(text, Capacity, format.Text(), Printable(arguments)...);
         // Checked here on every system: not every platform's bounded formatter keeps to its bound.
         if (length < 0 || static_cast<std::size_t>(length) >= Capacity) {
@@ -32,8 +33,8 @@ private:
     char text[Capacity];
 };
 
-using KRegistryPath = KBoundedText<260>;
-using KRequestText = KBoundedText<256>;  ///< a URL, an API path or a header line
-using KErrorText = KBoundedText<512>;
+using KRegistryPath = KBoundedText<260>;  ///< an array's subkey
+using KRequestText = KBoundedText<256>;   ///< a URL, an API path or a header line
+using KErrorText = KBoundedText<512>;     ///< what a KException says about an HTTP status
 
 }  // namespace Korvel

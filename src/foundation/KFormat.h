@@ -9,11 +9,12 @@ namespace Korvel {
 /// A printf format that the compiler has checked against the arguments it is used with.
 ///
 /// Only a literal can become one, so no text from outside is ever a format. The conversions are those that the library
-/// needs: %s for texts, %d for int, %ld for long. Surplus arguments are ignored, as printf does.
+/// needs: %s for texts, %d for int, %ld for long. This one need not show every argument, as in a table some of whose
+/// rows have nothing to fill in; printf ignores those that are left.
 template <typename... Arguments>
-class KFormat {
+class KPartialFormat {
 public:
-    consteval KFormat(const char* literal) : text(literal) {
+    consteval KPartialFormat(const char* literal) : text(literal) {
         constexpr const char* expected[] = {Conversion<Arguments>()..., nullptr};
         const char* const* next = expected;
         for (const char* at = literal; *at != '\0'; ++at) {
@@ -52,9 +53,26 @@ private:
     const char* text;
 };
 
-/// The format that goes with arguments deduced elsewhere in the same call.
+/// A format that shows each of its arguments.
+template <typename... Arguments>
+class KFormat : public KPartialFormat<Arguments...> {
+public:
+    consteval KFormat(const char* literal) : KPartialFormat<Arguments...>(literal) {
+        std::size_t conversions = 0;
+        for (const char* at = literal; *at != '\0'; ++at) {
+            conversions += *at == '%' ? 1 : 0;
+        }
+        if (conversions != sizeof...(Arguments)) {
+            throw "the format does not show every argument";
+        }
+    }
+};
+
+/// The formats that go with arguments deduced elsewhere in the same call.
 template <typename... Arguments>
 using KFormatFor = KFormat<std::type_identity_t<Arguments>...>;
+template <typename... Arguments>
+using KPartialFormatFor = KPartialFormat<std::type_identity_t<Arguments>...>;
 
 /// What a printf function gets for an argument: a text's characters, a number as it is.
 inline const char* Printable(const std::string& argument) {

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <exception>
-
-#include "Logger.h"
 #include "KFormat.h"
+#include "Logger.h"
 
 namespace Korvel {
 
@@ -15,6 +13,7 @@ enum KLogLevel : int {
     KLogLevelDetail = 4,
 };
 
+/// Who writes a record: the library itself, save for one line that it writes in the provider's name.
 inline constexpr const char* libraryModule = "Korvel.KAccessLibrary";
 inline constexpr const char* providerModule = "Korvel.VssProvider";
 
@@ -24,6 +23,9 @@ void LogRecord(KLogLevel level, const char* module, KFormatFor<Arguments...> for
     Logger::Write(level, const_cast<char*>(module), const_cast<char*>(format.Text()), Printable(arguments)...);
 }
 
+/// Hands over one record of the library's own at the level that the name says.
+/// @param format a literal
+/// @param arguments what the format shows: texts, int, long
 template <typename... Arguments>
 void LogError(KFormatFor<Arguments...> format, const Arguments&... arguments) {
     LogRecord<Arguments...>(KLogLevelError, libraryModule, format, arguments...);

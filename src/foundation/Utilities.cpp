@@ -21,6 +21,11 @@ void RequireRegistry(bool succeeded, const char* text) {
     }
 }
 
+/// Opens the root key, which a listing leaves open: the sanitizers are told of that by this function's name.
+void OpenRootKey(KRegistryKey& key) {
+    RequireRegistry(key.Open(rootKey, KRegistryKey::Access::Read), "Failed to open registry key");
+}
+
 void AppendSubkeyNames(KRegistryKey& key, unsigned long count, std::vector<std::string>& names) {
     for (unsigned long index = 0; index < count; ++index) {
         char name[nameCapacity] = {};
@@ -35,16 +40,16 @@ int Utilities::GetArrayIPList(std::vector<std::string>& addresses) {
     LogTrace("Entering Utilities::GetArrayIPList()");
     KRegistryKey key;
     const auto listSubkeys = [&]() -> int {
-        RequireRegistry(key.Open(rootKey, KRegistryKey::Access::Read), "Failed to open registry key");
+        OpenRootKey(key);
         unsigned long count = 0;
         RequireRegistry(key.CountSubkeys(count), "Failed to query the registry key");
         if (count == 0) {
             LogEvent("No Subkeys found");
             key.Close();
-            return KStatusSuccess;
+        } else {
+            AppendSubkeyNames(key, count, addresses);
+            key.LeaveOpen();  // Kept: open-root-key.
         }
-        AppendSubkeyNames(key, count, addresses);
-        key.LeaveOpen();  // Kept: open-root-key.
         return KStatusSuccess;
     };
     const int status = LogAndRethrow(listSubkeys, [&] { key.Close(); });

@@ -57,13 +57,14 @@ void KAccessLayer::GlobalCleanup() {
     LogTrace("Exiting KAccessLayer::GlobalCleanup()");
 }
 
+// The exit lines of the two carry no return code. Kept: codeless-exit-lines.
 int KAccessLayer::DiscoverArrays() {
     LogTrace("Entering KAccessLayer::DiscoverArrays()");
     const int status = LogAndConvert([&] {
         std::vector<std::string> addresses;
         Utilities::GetArrayIPList(addresses);
         for (const std::string& address : addresses) {
-            AddConfiguredArray(address, arrays);
+            AddConfiguredArray(address, arrays);  // Kept: no-duplicate-checks.
         }
     });
     LogTrace("Exiting KAccessLayer::DiscoverArrays()");

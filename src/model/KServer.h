@@ -19,7 +19,7 @@ public:
     std::string* serverID;     ///< owned; what attach and detach take
     std::string* hostIQN;      ///< owned
     std::string* iscsiIP;      ///< owned
-    std::string* spareString;  ///< owned; always empty, a declared field without a use
+    std::string* spareString;  ///< owned; always empty. Kept: spare-field.
 };
 
 }  // namespace Korvel

@@ -115,7 +115,7 @@ int KVolume::IsSnapAvailable(const std::string& snapID) {
 }
 
 int KVolume::AddCreatedSnapshot(const std::string& snapID) {
-    auto snapshot = std::make_unique<KSnapshot>(snapID);
+    auto snapshot = std::make_unique<KSnapshot>(snapID);  // Kept: no-duplicate-checks.
     snapshot->volume = this;
     std::string latest(snapID);
     AppendOwned(snapshotList, std::move(snapshot));
@@ -136,7 +136,7 @@ int KVolume::DeleteSnapshot(std::string& snapID) {
     }
     const auto found = FindSnapshot(snapshotList, snapID);
     if (found != snapshotList.end()) {
-        delete *found;
+        delete *found;  // Kept: first-entry-only, stale-latest-snapshot.
         snapshotList.erase(found);
     }
     return KStatusSuccess;

@@ -8,6 +8,12 @@
 /// destroyed. An empty or null argument throws std::invalid_argument; a failure of the transport, the HTTP status, the
 /// array or the registry throws KException. Nothing here takes a lock: an access layer and all it owns belong to one
 /// thread at a time.
+///
+/// A text that does not fit ends the process, because a request that was cut would reach the wrong thing: a URL
+/// (https://, address and path) or an API path of more than 255 characters, an access key of more than 241, an address
+/// in the registry of more than 232. Check names before they get here.
+///
+/// What looks wrong but is kept on purpose carries a name after "Kept:"; docs/kept-behaviour.md tells more.
 
 #include <list>
 #include <string>
@@ -35,6 +41,7 @@ class KVolume;
 /// list, so only one of the two may be destroyed. Kept: shallow-copies.
 class KORVEL_API KAccessLayer {
 public:
+    /// Makes a layer without arrays.
     KAccessLayer();
     KAccessLayer(const KAccessLayer& other);
     KAccessLayer& operator=(const KAccessLayer& other);
@@ -69,7 +76,8 @@ public:
     /// @param accessKey the access key; not changed
     /// @return 0 when the array answered with a drive list, 1 when its reply held none
     /// @throws std::invalid_argument when either text is empty
-    /// @throws KException when the array cannot be reached or answers with any HTTP status but 200 (a refused key)
+    /// @throws KException when the array cannot be reached or answers with any HTTP status but 200 (a refused
+    ///         key), or with 200 and a reply that is not XML
     int ValidateArray(std::string& arrayIP, std::string& accessKey);
 
 private:
@@ -86,8 +94,9 @@ private:
 /// Kept: shallow-copies.
 class KORVEL_API KArray {
 public:
-    /// @param address the array's address or host name, at most 232 characters
-    /// @param key the array's access key, at most 241 characters
+    /// Makes an array with its connection; asks nothing of it.
+    /// @param address the array's address or host name
+    /// @param key the array's access key
     /// @throws std::invalid_argument when either is empty
     KArray(const std::string& address, const std::string& key);
     KArray(const KArray& other);
@@ -102,10 +111,11 @@ public:
     /// Hands out the array's own address text, not a copy. Returns 0.
     int GetIPAddress(std::string*& ownAddress);
 
-    /// Appends a volume and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    /// Appends a volume and takes ownership of it. Null is accepted, and so is a second entry of one volume, which is
+    /// then destroyed twice. Returns 0.
     int AddVolumeToList(KVolume* volume);
 
-    /// Appends a server and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    /// Appends a server and takes ownership of it; otherwise as AddVolumeToList. Returns 0.
     int AddServerToList(KServer* server);
 
     /// Finds a known volume by its identifier.
@@ -137,6 +147,7 @@ public:
     /// Finds the volume on the array whose consistency group has a snapshot, and records that snapshot for it;
     /// otherwise as GetVolumeByIDFromArray. Asks for the snapshots of one volume's group after the other.
     /// @param snapID the snapshot's identifier (its name on the array)
+    /// @throws std::invalid_argument also when a volume listed before the match has no group
     int GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volume);
 
     /// Makes a new volume from a snapshot and adds it to the known volumes.
@@ -187,7 +198,8 @@ public:
     /// @param serverID receives the array's identifier of the server
     /// @return 0, or 1 when a reply held no answer
     /// @throws std::invalid_argument when the initiator name is empty, the array has no server whose iSCSI address the
-    ///         new one could take, or the array's reply names none
+    ///         new one could take, or the array's reply names no server: that server then exists on the array, and
+    ///         `serverID` is empty
     /// @throws KException when a request fails or the array refuses
     int GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID);
 
@@ -205,6 +217,7 @@ private:
 /// Kept: shallow-copies.
 class KORVEL_API KVolume {
 public:
+    /// Makes a volume that belongs to no array yet.
     /// @param id the array's identifier of the volume
     /// @param name the volume's name on the array, which the commands take
     /// @param dispName the volume's display name
@@ -222,9 +235,10 @@ public:
     /// @param volNames the volumes' names on the array; neither changed nor kept
     /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
     ///        ignored
-    /// @param snapNames receives, at its end, the snapshot names that the array reports; not null
+    /// @param snapNames receives, at its end, the snapshot names that the array reports, also those of a set that the
+    ///        array then calls failed; not null
     /// @return 0, or 1 when the reply held no answer
-    /// @throws std::invalid_argument when a name is empty; nothing is sent then
+    /// @throws std::invalid_argument when a name of a pair is empty; nothing is sent then
     /// @throws KException when the request fails or the array refuses
     static int CreateSnapshotSet(KArray* onArray, const std::list<std::string*>& volNames,
                                  const std::list<std::string*>& cgNames, std::list<std::string>* snapNames);
@@ -253,7 +267,8 @@ public:
     /// Replaces the identifier of the latest snapshot. Returns 0.
     int SetLatestSnapshotID(const std::string& snapID);
 
-    /// Appends a snapshot and takes ownership of it. Neither null nor a second entry is refused. Returns 0.
+    /// Appends a snapshot and takes ownership of it. Null is accepted, and so is a second entry of one snapshot, which
+    /// is then destroyed twice. Returns 0.
     int AddSnapshotToList(KSnapshot* snapshot);
 
     /// Tells whether a snapshot is recorded for this volume, without asking the array.
@@ -268,7 +283,8 @@ public:
     /// @throws std::invalid_argument when the identifier is empty
     int AddCreatedSnapshot(const std::string& snapID);
 
-    /// Deletes a snapshot on the array and forgets the first record of it. The latest snapshot's identifier stays.
+    /// Deletes a snapshot on the array and forgets the first record of it. The latest snapshot's identifier stays. The
+    /// volume has to belong to an array.
     /// @param snapID the snapshot's identifier; not changed
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when the identifier is empty

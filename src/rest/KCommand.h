@@ -27,12 +27,12 @@ struct KCommand {
     std::size_t entryArgument;    ///< which argument the entry line shows
     const char* invalidArgument;  ///< the refusal's text
     const char* method;
-    KFormat<std::string> path;
+    KPartialFormat<std::string> path;
     std::size_t pathArgument;  ///< which argument goes into the path, as it stands
     const char* body;          ///< {0}, {1}, … stand for the arguments; null: no body and no post options
     const char* xPathID;       ///< the response element
     const char* nameElement;   ///< what the reply is asked for besides its status; null: nothing
-    KFormat<long> failureText;
+    KPartialFormat<long> failureText;
     KFormat<int> exitLine;
 };
 

@@ -34,6 +34,8 @@ public:
 
     /// Prepares libcurl and libxml2 for the process.
     static void GlobalInit();
+
+    /// Undoes GlobalInit as far as libcurl goes; libxml2 is the process's.
     static void GlobalCleanup();
 
     /// Prepares a new handle for a request.
@@ -89,6 +91,7 @@ public:
     int CreateSnapshotSet(const std::list<std::string*>& volNames, const std::list<std::string*>& cgNames,
                           std::list<std::string>* snapNames);
 
+    /// Deletes a snapshot by its identifier.
     int DeleteSnapshot(const std::string& snapID);
 
     /// Makes a volume from a snapshot of a group.
@@ -96,6 +99,7 @@ public:
     int CloneVolume(const std::string& cgID, const std::string& snapID, const std::string& cloneName,
                     std::string& cgName);
 
+    /// Deletes a volume by its name.
     int DeleteVolume(const std::string& volName);
 
     /// Rolls a group back to a snapshot.
@@ -106,7 +110,10 @@ public:
     int CreateServer(const std::string& displayName, const std::string& hostIQN, const std::string& iscsiIP,
                      std::string& serverID);
 
+    /// Maps a volume, by its name, to a server, by its identifier.
     int AttachVolume(const std::string& volName, const std::string& serverID);
+
+    /// Unmaps a volume from a server.
     int DetachVolume(const std::string& volName, const std::string& serverID);
 
     /// @}
@@ -144,7 +151,7 @@ public:
 
 private:
     void Get(KRequest& request, const char* path);
-    int FetchListing(const char* path, KFormat<long> failureText, std::string& reply);
+    int FetchListing(const char* path, KPartialFormat<long> failureText, std::string& reply);
     int Exchange(KRequest& request, KCommandAction action, const std::string& pathArgument, const std::string* body,
                  CommandResponse& response);
     int RunCommand(KCommandAction action, std::initializer_list<const std::string*> arguments, std::string* name);

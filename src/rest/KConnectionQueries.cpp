@@ -60,7 +60,7 @@ int KConnection::ListServers(std::string& reply) {
     return status;
 }
 
-int KConnection::FetchListing(const char* path, KFormat<long> failureText, std::string& reply) {
+int KConnection::FetchListing(const char* path, KPartialFormat<long> failureText, std::string& reply) {
     KRequest request(reply);
     return request.Run([&]() -> int {
         Get(request, path);

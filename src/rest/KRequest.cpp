@@ -45,7 +45,7 @@ void KRequest::Perform() {
     LogDetail("HTTP Return Code :%ld", code);
 }
 
-void KRequest::RequireOK(KFormat<long> failureText) const {
+void KRequest::RequireOK(KPartialFormat<long> failureText) const {
     if (code != 200) {
         throw KException(KErrorText(failureText, code).Text());
     }

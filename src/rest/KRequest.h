@@ -50,7 +50,7 @@ public:
     void Perform();
 
     /// @throws KException when the response code is not 200
-    void RequireOK(KFormat<long> failureText) const;
+    void RequireOK(KPartialFormat<long> failureText) const;
 
     /// @return the reply's body so far
     const std::string& Reply() const { return reply; }

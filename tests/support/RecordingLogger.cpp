@@ -24,7 +24,8 @@ void Logger::Write(int level, char* module, char* format, ...) {
     va_end(arguments);
     const std::string writer(module);
     const std::lock_guard<std::mutex> lock(guard);
-    records += (writer == "Korvel.KAccessLibrary" ? "" : writer + ' ') + std::to_string(level) + ' ' + text.data() + '\n';
+    records +=
+        (writer == "Korvel.KAccessLibrary" ? "" : writer + ' ') + std::to_string(level) + ' ' + text.data() + '\n';
 }
 
 std::string Korvel::TakeRecords() {

@@ -1,0 +1,44 @@
+#include <memory>
+
+#include "KConnection.h"
+#include "KGuard.h"
+#include "KOwnedList.h"
+#include "KServer.h"
+#include "KText.h"
+#include "KorvelAccessLibrary.h"
+
+namespace Korvel {
+
+int KArray::GetServerIDByIQN(const std::string& hostIQN, std::string& serverID) {
+    LogTrace("Entering KArray::GetServerIDByIQN()");
+    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQN - Invalid input parameter");
+    int status = KStatusNotFound;
+    for (const KServer* server : serverList) {
+        if (server != nullptr && UpToZero(*server->hostIQN) == hostIQN) {
+            serverID = UpToZero(*server->serverID);
+            status = KStatusSuccess;  // Kept: last-server-wins. The walk goes on.
+        }
+    }
+    LogTrace("Exiting KArray::GetServerIDByIQN() with return code : %d", status);
+    return status;
+}
+
+int KArray::GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID) {
+    LogTrace("Entering KArray::GetServerIDByIQNFromArray()");
+    RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQNFromArray - Invalid input parameter");
+    std::string iscsiIP;
+    int status = connection->GetServerInfoByIQN(hostIQN, serverID, iscsiIP);
+    if (status == KStatusSuccess) {
+        AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
+    } else if (status == KStatusNotFound) {
+        status = connection->CreateServer(hostIQN, hostIQN, iscsiIP, serverID);
+        if (status == KStatusSuccess) {
+            LogEvent("Successfully created server(%s) in the array", serverID);
+            AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));
+        }
+    }
+    LogTrace("Exiting KArray::GetServerIDByIQNFromArray() with return code : %d", status);
+    return status;
+}
+
+}  // namespace Korvel

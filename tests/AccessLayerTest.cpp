@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include "KorvelAccessLibrary.h"
+#include "RecordingLogger.h"
+#include "TestRegistry.h"
+#include "Utilities.h"
+
+namespace Korvel {
+namespace {
+
+std::string Addresses(KAccessLayer& layer) {
+    std::list<KArray*> arrays{nullptr};
+    EXPECT_EQ(layer.GetArrays(arrays), 0);
+    std::string addresses;
+    for (KArray* array : arrays) {
+        std::string* address = nullptr;
+        array->GetIPAddress(address);
+        addresses += *address + ' ';
+    }
+    return addresses;
+}
+
+class AccessLayerTest : public testing::Test {
+protected:
+    AccessLayerTest() { TakeRecords(); }
+
+    TestRegistry registry;
+};
+
+const std::string listed =
+    "3 Entering Utilities::GetArrayIPList()\n3 Exiting Utilities::GetArrayIPList() with return code 0\n";
+
+std::string Added(const std::string& address, const std::string& key) {
+    return "3 Entering Utilities::GetArrayConfigData()\n"
+           "3 Exiting Utilities::GetArrayConfigData() with return code 0\n2 Array IP: " +
+           address + " AccessKey: " + key + "\n3 Entering KArray::KArray() for " + address +
+           "\n3 Entering KConnection::KConnection for " + address +
+           "\n3 Exiting KConnection::KConnection\n3 Exiting KArray::KArray()\n";
+}
+
+TEST_F(AccessLayerTest, WithoutARootKeyDiscoveryFails) {
+    KAccessLayer layer;
+    TakeRecords();
+    EXPECT_EQ(layer.DiscoverArrays(), 1);
+    EXPECT_EQ(TakeRecords(),
+              "3 Entering KAccessLayer::DiscoverArrays()\n3 Entering Utilities::GetArrayIPList()\n"
+              "0 std::exception\n0 std::exception\n3 Exiting KAccessLayer::DiscoverArrays()\n");
+    registry.AddRoot();
+    EXPECT_EQ(layer.DiscoverArrays(), 0);
+    EXPECT_EQ(TakeRecords(),
+              "3 Entering KAccessLayer::DiscoverArrays()\n3 Entering Utilities::GetArrayIPList()\n"
+              "2 No Subkeys found\n3 Exiting Utilities::GetArrayIPList() with return code 0\n"
+              "3 Exiting KAccessLayer::DiscoverArrays()\n");
+    EXPECT_EQ(Addresses(layer), "");
+}
+
+// Each successful listing leaves its key open: run apart from the others, with the leak named to the sanitizer.
+class KeptKeyTest : public AccessLayerTest {};
+
+TEST_F(KeptKeyTest, RefreshAddsWhatIsNewAndDiscoveryAddsAll) {
+    KAccessLayer layer;
+    registry.SetText("10.0.0.2", "AccessKey", "k2");
+    registry.SetText("10.0.0.3", "accesskey", "k3");
+    TakeRecords();
+    EXPECT_EQ(layer.DiscoverArrays(), 0);
+    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::DiscoverArrays()\n" + listed + Added("10.0.0.2", "k2") +
+                                 Added("10.0.0.3", "k3") + "3 Exiting KAccessLayer::DiscoverArrays()\n");
+    registry.Remove("10.0.0.2");
+    registry.SetText("10.0.0.30", "AccessKey", "k30");
+    EXPECT_EQ(layer.Refresh(), 0);
+    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::Refresh()\n" + listed + "2 New arrayIP found in the registry\n" +
+                                 Added("10.0.0.30", "k30") + "3 Exiting KAccessLayer::Refresh()\n");
+    EXPECT_EQ(layer.Refresh(), 0);
+    EXPECT_EQ(Addresses(layer), "10.0.0.2 10.0.0.3 10.0.0.30 ");
+    EXPECT_EQ(layer.DiscoverArrays(), 0);
+    EXPECT_EQ(Addresses(layer), "10.0.0.2 10.0.0.3 10.0.0.30 10.0.0.3 10.0.0.30 ");
+}
+
+TEST_F(KeptKeyTest, AnArrayWithoutAUsableKeyEndsTheDiscovery) {
+    registry.SetText("a", "AccessKey", "k");
+    registry.AddArray("b");
+    registry.SetText("c", "AccessKey", "k");
+    KAccessLayer layer;
+    TakeRecords();
+    EXPECT_EQ(layer.DiscoverArrays(), 1);
+    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::DiscoverArrays()\n" + listed + Added("a", "k") +
+                                 "3 Entering Utilities::GetArrayConfigData()\n0 std::exception\n0 std::exception\n"
+                                 "3 Exiting KAccessLayer::DiscoverArrays()\n");
+    registry.SetText("b", "AccessKey", "");
+    EXPECT_EQ(layer.Refresh(), 1);
+    const std::string records = TakeRecords();
+    EXPECT_NE(records.find("2 Array IP: b AccessKey: \n3 Entering KArray::KArray() for b\n"
+                           "0 KArray Constructor: Invalid input argument\n3 Exiting KAccessLayer::Refresh()\n"),
+              std::string::npos)
+        << records;
+    EXPECT_EQ(Addresses(layer), "a ");
+}
+
+TEST_F(KeptKeyTest, NamesAndValuesFitOrFail) {
+    std::vector<std::string> addresses{"kept"};
+    const std::string longest(255, 'a');
+    registry.AddArray(longest);
+    EXPECT_EQ(Utilities::GetArrayIPList(addresses), 0);
+    EXPECT_EQ(addresses, (std::vector<std::string>{"kept", longest}));
+
+    const std::string fits(232, 'b');
+    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(256, 'k'));
+    std::string value = "old";
+    EXPECT_EQ(Utilities::GetArrayConfigData(fits, "AccessKey", value), 0);
+    EXPECT_EQ(value, std::string(256, 'k'));
+    registry.SetBytes(fits, "AccessKey", 1, {'a', 0, 'b'});
+    EXPECT_EQ(Utilities::GetArrayConfigData(fits, "AccessKey", value), 0);
+    EXPECT_EQ(value, "a");
+    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(257, 'k'));
+    EXPECT_THROW(Utilities::GetArrayConfigData(fits, "AccessKey", value), KException);
+    EXPECT_THROW(Utilities::GetArrayConfigData("absent", "AccessKey", value), KException);
+    EXPECT_EQ(value, "a");
+}
+
+TEST_F(AccessLayerTest, CopiesShareTheirArrays) {
+    KAccessLayer layer;
+    {
+        const auto copy = std::make_unique<KAccessLayer>(layer);
+        *copy = layer;
+        TakeRecords();
+    }
+    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::~KAccessLayer()\n3 Exiting KAccessLayer::~KAccessLayer()\n");
+}
+
+}  // namespace
+}  // namespace Korvel

@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+
+#include "KBoundedText.h"
+#include "KConnection.h"
+#include "Outcome.h"
+#include "Utilities.h"
+
+namespace Korvel {
+namespace {
+
+int ListVolumes(const std::string& address, const std::string& key) {
+    std::string reply;
+    return KConnection(address, key).ListVolumes(reply);
+}
+
+int ReadKey(const std::string& address) {
+    std::string value;
+    return Utilities::GetArrayConfigData(address, "AccessKey", value);
+}
+
+TEST(OverflowTest, WhatJustFitsIsWhole) {
+    EXPECT_EQ(KRequestText("%s", std::string(255, 'a')).Text(), std::string(255, 'a'));
+    EXPECT_STREQ(KErrorText("HTTP return code: %ld.", 404L).Text(), "HTTP return code: 404.");
+    EXPECT_EQ(Outcome([] { return ListVolumes("127.0.0.1:1", std::string(241, 'k')); }),
+              "KException: Failed to perform curl action");
+    EXPECT_EQ(Outcome([] { return ReadKey(std::string(232, 'a')); }), "KException: Failed to open registry key");
+}
+
+// The line names the capacity and the format and, since the arguments may hold a key, nothing else.
+TEST(OverflowDeathTest, WhatDoesNotFitEndsTheProcess) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_DEATH(ListVolumes("a", std::string(242, 'k')), "256 characters, format \"X-Access-Key: %s\"");
+    EXPECT_DEATH(ListVolumes(std::string(236, 'a'), "k"), "256 characters, format \"https://%s%s\"");
+    EXPECT_DEATH(ReadKey(std::string(233, 'a')), "260 characters, format .*HwProvider");
+}
+
+}  // namespace
+}  // namespace Korvel
