@@ -20,6 +20,7 @@ class KORVEL_API KException : public std::exception {
 public:
     /// @param text the failure's text, zero-terminated; copied
     explicit KException(const char* text);
+    /// Copies the message.
     KException(const KException& other);
     KException& operator=(const KException& other);
     ~KException() override;

@@ -51,7 +51,7 @@ bool KRegistryFileScanner::Take(std::string_view word) {
 std::string KRegistryFileScanner::TakeKey() {
     for (std::size_t end = rest.find(']'); end != std::string_view::npos; end = rest.find(']', end + 1)) {
         if (OnlyCommentFollows(rest.substr(end + 1))) {
-            const std::string key(rest.substr(0, end));
+            std::string key(rest.substr(0, end));
             rest.remove_prefix(end + 1);
             return key;
         }

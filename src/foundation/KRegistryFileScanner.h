@@ -49,7 +49,7 @@ public:
     [[noreturn]] void Fail(const std::string& fault) const;
 
 private:
-    bool OnlyCommentFollows(std::string_view text) const;
+    bool OnlyCommentFollows(std::string_view remainder) const;
     void SkipContinuation();
 
     std::string path;

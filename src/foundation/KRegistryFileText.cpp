@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -19,7 +20,7 @@ namespace {
 constexpr std::size_t mostBytes = 64U << 20U;
 
 struct KFileCloser {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
 };
 
 struct KConverterCloser {
@@ -59,7 +60,7 @@ std::size_t FindPastLastCharacter(std::string_view text) {
         const auto lead = static_cast<unsigned char>(first);
         return lead > 0xf4 || (lead == 0xf4 && static_cast<unsigned char>(second) > 0x8f);
     };
-    const auto found = std::adjacent_find(text.begin(), text.end(), pastLast);
+    const auto* const found = std::adjacent_find(text.begin(), text.end(), pastLast);
     return found == text.end() ? std::string_view::npos : static_cast<std::size_t>(found - text.begin());
 }
 
@@ -86,8 +87,8 @@ std::string KRegistryFileText::Decode(const std::string& path, std::string_view 
     } else if (bytes.starts_with("\xef\xbb\xbf")) {
         bytes.remove_prefix(3);
     }
-    const iconv_t opened = iconv_open("UTF-8", encoding);
-    if (opened == reinterpret_cast<iconv_t>(-1)) {
+    iconv_t opened = iconv_open("UTF-8", encoding);
+    if (reinterpret_cast<std::intptr_t>(opened) == -1) {
         throw KRegistryFileError(path, 0, std::string("this system can't read ") + encoding);
     }
     const KConverter converter(opened);

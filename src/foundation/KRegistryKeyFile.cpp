@@ -30,7 +30,7 @@ std::unique_ptr<KOpenKey> OpenFromFile(const char* path) {
 
 }  // namespace
 
-bool KRegistryKey::Open(const char* path, Access) {
+bool KRegistryKey::Open(const char* path, [[maybe_unused]] Access access) {
     std::unique_ptr<KOpenKey> opened;
     try {
         opened = OpenFromFile(path);

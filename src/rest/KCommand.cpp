@@ -1,5 +1,7 @@
 #include "KCommand.h"
 
+#include <iterator>
+
 namespace Korvel {
 
 namespace {
@@ -9,14 +11,14 @@ namespace {
 // the clone asks for no name, the volume deletion for a snapshot's.
 constexpr KCommand commands[] = {
     {
-        // Its arguments are lists: the body is built, and each pair checked, by the operation itself.
+        // (the body: the operation makes it of its lists and checks each pair)
         .entryLine = "Entering KConnection::CreateSnapshotSet for volumes %s",
         .entryArgument = 0,
         .invalidArgument = "KConnection::CreateSnapshotSet - Invalid input argument",
         .method = "POST",
         .path = "/api/snapshots/snapshots_set",
         .pathArgument = 0,
-        .body = "",
+        .body = "{0}",
         .xPathID = "//create-snapshot-set-response",
         .nameElement = nullptr,
         .failureText = "HTTP return code: %ld. Create snapshot set failed",
@@ -134,7 +136,7 @@ const char* NameElementOf(int action) {
 
 std::string FillBody(const char* body, std::initializer_list<const std::string*> arguments) {
     std::string filled;
-    for (const char* at = body; *at != '\0'; ++at) {
+    for (const char* at = body == nullptr ? "" : body; *at != '\0'; ++at) {
         if (*at == '{') {
             filled += *arguments.begin()[at[1] - '0'];
             at += 2;  // the digit and the brace that closes

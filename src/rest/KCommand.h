@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <iterator>
 #include <string>
 
 #include "KFormat.h"
@@ -44,7 +43,7 @@ const KCommand& CommandOf(KCommandAction action);
 ///         that is no command
 const char* NameElementOf(int action);
 
-/// Puts the arguments of a command into its body, whole and unencoded.
+/// Puts the arguments of a command into its body, whole and unencoded; empty for a command without one.
 std::string FillBody(const char* body, std::initializer_list<const std::string*> arguments);
 
 }  // namespace Korvel

@@ -10,14 +10,6 @@
 
 namespace Korvel {
 
-namespace {
-
-struct HandleDeleter {
-    void operator()(CURL* handle) const noexcept { curl_easy_cleanup(handle); }
-};
-
-}  // namespace
-
 KConnection::KConnection(const std::string& address, const std::string& key) {
     LogTrace("Entering KConnection::KConnection for %s", address);
     RequireArgument(!address.empty() && !key.empty(), "KConnection Constructor: Invalid input argument");
@@ -49,16 +41,15 @@ void KConnection::GlobalCleanup() {
 
 int KConnection::InitializeCurl(CURL*& handle, const char* path, curl_slist*& headers) {
     LogTrace("Entering KConnection::InitializeCurl");
-    std::unique_ptr<CURL, HandleDeleter> newHandle(curl_easy_init());
-    if (newHandle) {
+    handle = curl_easy_init();
+    if (handle != nullptr) {
         const KRequestText url("https://%s%s", *arrayIP, path);
         LogTrace("URL: %s", url.Text());
-        KRequest::SetFrameOptions(newHandle.get(), url.Text());
+        KRequest::SetFrameOptions(handle, url.Text());
         const KRequestText header("X-Access-Key: %s", *accessKey);
         LogTrace("%s", header.Text());  // Kept: keys-in-the-log.
         headers = curl_slist_append(headers, header.Text());
-        curl_easy_setopt(newHandle.get(), CURLOPT_HTTPHEADER, headers);
-        handle = newHandle.release();
+        curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
     }  // without a handle the request fails when it is performed
     LogTrace("Exiting KConnection::InitializeCurl");
     return KStatusSuccess;

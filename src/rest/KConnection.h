@@ -28,6 +28,7 @@ public:
     /// @param key the array's access key
     /// @throws std::invalid_argument when either is empty
     KConnection(const std::string& address, const std::string& key);
+    /// Frees the connection's copies of its texts.
     ~KConnection();
     KConnection(const KConnection&) = delete;
     KConnection& operator=(const KConnection&) = delete;
@@ -39,7 +40,7 @@ public:
     static void GlobalCleanup();
 
     /// Prepares a new handle for a request.
-    /// @param handle receives the handle, the caller's to clean up; unchanged when libcurl has none
+    /// @param handle receives the handle, the caller's to clean up; null when libcurl has none
     /// @param path the absolute API path, zero-terminated
     /// @param headers null; receives the header list, the caller's to free
     /// @return 0
@@ -76,7 +77,7 @@ public:
 
     /// Finds a server on the array by its initiator name. The name is not checked.
     /// @param serverID receives the array's identifier of the server; unchanged on a miss
-    /// @param iscsiIP receives the iSCSI address, on a miss that of the last server listed
+    /// @param iscsiIP receives the iSCSI address; on a miss the one read last, unchanged when no server is listed
     /// @return 0, or 2 when no server has this initiator name
     int GetServerInfoByIQN(const std::string& hostIQN, std::string& serverID, std::string& iscsiIP);
 
@@ -87,7 +88,7 @@ public:
 
     /// Takes one snapshot of each volume in one consistent set, under generated names.
     /// @param volNames, cgNames the volumes' names and their groups, in the same order; the shorter list counts
-    /// @param snapNames the names that the array reports are appended; not null
+    /// @param snapNames the names that the array reports are appended, and stay when it then refuses; not null
     int CreateSnapshotSet(const std::list<std::string*>& volNames, const std::list<std::string*>& cgNames,
                           std::list<std::string>* snapNames);
 
@@ -95,7 +96,7 @@ public:
     int DeleteSnapshot(const std::string& snapID);
 
     /// Makes a volume from a snapshot of a group.
-    /// @param cgName receives the name that the reply's action reads, which is none: it is emptied
+    /// @param cgName receives, on success, the name that the reply's action reads, which is none: it is emptied
     int CloneVolume(const std::string& cgID, const std::string& snapID, const std::string& cloneName,
                     std::string& cgName);
 
@@ -132,9 +133,12 @@ public:
     /// Each takes the whole body of a reply. They throw KException when it is not well-formed XML.
     /// @{
 
+    /// Finds a volume by its display name; see GetVolumeInfoByDispName.
     int ParseVolumeXMLByName(const std::string& reply, const std::string& volDispName, std::string& volID,
                              std::string& volName, std::string& cgName);
+    /// Reads the volume listing; see GetVolumesList.
     int ParseVolumeList(const std::string& reply, std::list<KVolumeRecord>* volumeRecords);
+    /// Finds a server by its initiator name; see GetServerInfoByIQN.
     int ParseServerXMLByIQN(const std::string& reply, const std::string& hostIQN, std::string& serverID,
                             std::string& iscsiIP);
 
@@ -144,7 +148,9 @@ public:
     /// @return 0 when there is such an element, whatever its status says, otherwise 1
     int ParseResponseXML(const std::string& reply, const char* xPathID, int CommandAction, CommandResponse& response);
 
+    /// Reads the snapshot listing of a group; see GetSnapshotsList.
     int ParseSnapshotList(const std::string& reply, std::list<KSnapshotRecord>* snapshotRecords);
+    /// Tells whether a reply is a drive list; see ListDrives.
     static int ParseDriveList(const std::string& reply);
 
     /// @}
@@ -152,7 +158,7 @@ public:
 private:
     void Get(KRequest& request, const char* path);
     int FetchListing(const char* path, KPartialFormat<long> failureText, std::string& reply);
-    int Exchange(KRequest& request, KCommandAction action, const std::string& pathArgument, const std::string* body,
+    int Exchange(KRequest& request, KCommandAction action, std::initializer_list<const std::string*> arguments,
                  CommandResponse& response);
     int RunCommand(KCommandAction action, std::initializer_list<const std::string*> arguments, std::string* name);
 

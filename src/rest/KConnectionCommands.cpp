@@ -1,5 +1,6 @@
 #include <algorithm>
-#include <cstring>
+#include <list>
+#include <string>
 
 #include "KBoundedText.h"
 #include "KCommand.h"
@@ -8,17 +9,24 @@
 #include "KGeneratedNumber.h"
 #include "KGuard.h"
 #include "KRequest.h"
+#include "KText.h"
 
 namespace Korvel {
 
 namespace {
 
+bool HasText(const std::string* text) {
+    return text != nullptr && !text->empty();
+}
+
 /// The volumes as the entry line shows them: each name with a blank behind it.
 std::string VolumesText(const std::list<std::string*>& volNames) {
     std::string text;
     for (const std::string* volName : volNames) {
-        text += *volName;
-        text += ' ';
+        if (volName != nullptr) {  // refused below, if it has a partner
+            text += *volName;
+            text += ' ';
+        }
     }
     return text;
 }
@@ -31,7 +39,7 @@ std::string SnapshotSetBody(const std::list<std::string*>& volNames, const std::
     int number = 1;
     auto cgName = cgNames.begin();
     for (auto volName = volNames.begin(); volName != volNames.end() && cgName != cgNames.end(); ++volName, ++cgName) {
-        RequireArgument(!(*volName)->empty() && !(*cgName)->empty(), invalidArgument);
+        RequireArgument(HasText(*volName) && HasText(*cgName), invalidArgument);
         const std::string drawn = std::to_string(DrawNameNumber());
         const std::string key = "snapshots_set_" + std::to_string(number);
         if (number > 1) {
@@ -44,22 +52,17 @@ std::string SnapshotSetBody(const std::list<std::string*>& volNames, const std::
     return body;
 }
 
-bool NoneEmpty(std::initializer_list<const std::string*> texts) {
-    return std::none_of(texts.begin(), texts.end(), [](const std::string* text) { return text->empty(); });
-}
-
 }  // namespace
 
 /// The part that all commands share: sends the request, reads the answer and judges it.
-/// @param pathArgument what goes into the command's path
-/// @param body null for a command without one
-int KConnection::Exchange(KRequest& request, KCommandAction action, const std::string& pathArgument,
-                          const std::string* body, CommandResponse& response) {
+int KConnection::Exchange(KRequest& request, KCommandAction action, std::initializer_list<const std::string*> arguments,
+                          CommandResponse& response) {
     const KCommand& command = CommandOf(action);
-    const KRequestText path(command.path, pathArgument);
+    const KRequestText path(command.path, *arguments.begin()[command.pathArgument]);
     LogDetail("URL: %s", path.Text());
     InitializeCurl(request.handle, path.Text(), request.headers);
-    request.SetCommand(command.method, body);
+    const std::string body = FillBody(command.body, arguments);
+    request.SetCommand(command.method, command.body == nullptr ? nullptr : &body);
     request.Perform();
     request.RequireOK(command.failureText);
     const int status = ParseResponseXML(request.Reply(), command.xPathID, action, response);
@@ -78,12 +81,9 @@ int KConnection::RunCommand(KCommandAction action, std::initializer_list<const s
     std::string reply;
     KRequest request(reply);
     const int status = request.Run([&] {
-        RequireArgument(NoneEmpty(arguments), command.invalidArgument);
-        const bool hasBody = command.body != nullptr;
-        const std::string body = hasBody ? FillBody(command.body, arguments) : std::string();
+        RequireArgument(std::all_of(arguments.begin(), arguments.end(), HasText), command.invalidArgument);
         CommandResponse response;
-        const int judged =
-            Exchange(request, action, *arguments.begin()[command.pathArgument], hasBody ? &body : nullptr, response);
+        const int judged = Exchange(request, action, arguments, response);
         if (judged == KStatusSuccess && name != nullptr) {
             name->swap(response.name);
         }
@@ -96,16 +96,15 @@ int KConnection::RunCommand(KCommandAction action, std::initializer_list<const s
 int KConnection::CreateSnapshotSet(const std::list<std::string*>& volNames, const std::list<std::string*>& cgNames,
                                    std::list<std::string>* snapNames) {
     const KCommand& command = CommandOf(KCommandCreateSnapshotSet);
-    const std::string volumes = VolumesText(volNames);
-    LogTrace(command.entryLine, volumes);
+    LogTrace(command.entryLine, VolumesText(volNames));
     std::string reply;
     KRequest request(reply);
     const int status = request.Run([&] {
-        std::string body = SnapshotSetBody(volNames, cgNames, command.invalidArgument);
-        body.resize(std::strlen(body.c_str()));  // this body alone ends at its first zero byte
+        // This body alone ends at its first zero byte.
+        const std::string body(UpToZero(SnapshotSetBody(volNames, cgNames, command.invalidArgument)));
         CommandResponse response;
         response.snapshotNames = snapNames;
-        return Exchange(request, KCommandCreateSnapshotSet, std::string(), &body, response);
+        return Exchange(request, KCommandCreateSnapshotSet, {&body}, response);
     });
     LogTrace(command.exitLine, status);
     return status;

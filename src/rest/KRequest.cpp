@@ -1,6 +1,6 @@
 #include "KRequest.h"
 
-#include <new>
+#include <exception>
 
 #include "KBoundedText.h"
 #include "KException.h"

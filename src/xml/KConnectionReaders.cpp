@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <utility>
 
 #include "KCommand.h"
@@ -127,7 +126,7 @@ int KConnection::ParseVolumeList(const std::string& reply, std::list<KVolumeReco
                                      {"display-name", &record.displayName},
                                      {"cg-name", &record.cgName}};
             ReadFields(document, node, fields);
-            record.productID.resize(std::min(record.productID.find('-'), record.productID.size()));
+            record.productID = record.productID.substr(0, record.productID.find('-'));
             volumeRecords->push_back(std::move(record));
         }
         return KStatusSuccess;
@@ -162,6 +161,9 @@ int KConnection::ParseResponseXML(const std::string& reply, const char* xPathID,
                          "Exiting KConnection::ParseResponseXML with return code %d"};
     return ReadReply(reply, reader, [&](const KReplyDocument& document) -> int {
         for (const xmlNode* node : document.Nodes()) {
+            if (node->type == XML_NAMESPACE_DECL) {  // no node behind the pointer: it has no children
+                continue;
+            }
             for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
                 if (child->type == XML_ELEMENT_NODE) {
                     ReadResponseElement(document, child, CommandAction, response);
