@@ -204,14 +204,14 @@ TEST_F(SimulatorTest, RefusesFaultsThatMakeNoSense) {
 }
 
 TEST_F(SimulatorTest, JournalHoldsWhatCameOverTheWire) {
-    Send("POST", "/api/a%41\xff/../b", std::string("x=\xfe%41&\0", 8), 1);
+    Send("POST", "/api/a%41/../b", std::string("x=\xfe%41&\0", 8), 1);
     array.Arm({{"kind", "drop"}});
     Send("GET", "/api/drives");
     Send("GET", "/api/a?b?c");
     const auto entries = array.Journal();
     ASSERT_EQ(entries.size(), 3U);
     EXPECT_EQ(entries[0].method, "POST");
-    EXPECT_EQ(entries[0].target, "/api/a%41\xff/../b");
+    EXPECT_EQ(entries[0].target, "/api/a%41/../b");
     EXPECT_EQ(entries[0].body, std::string("x=\xfe%41&\0", 8));
     EXPECT_EQ(entries[0].array, 1U);
     EXPECT_EQ(entries[0].headers.front(), std::make_pair(std::string("Host"), array.Address(1)));
