@@ -67,6 +67,7 @@ TEST_F(ArrayObjectTest, LookupsSearchMemoryOrAskTheArray) {
         SCOPED_TRACE(lookup.name);
         KArray fresh(simulator.Address(), simulator.Key());
         TakeRecords();
+        Wire();
         KVolume* volume = nullptr;
         const auto lines = [&](const std::string& suffix, const std::string& key, const std::string& between,
                                int status) {

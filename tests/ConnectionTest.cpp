@@ -133,6 +133,7 @@ TEST_F(ConnectionTest, ASnapshotSetEndsAtTheShorterListAndTheFirstZeroByte) {
 TEST_F(ConnectionTest, RequestsCarryTheKeyAndNothingOfTheirOwn) {
     std::list<KVolumeRecord> volumes;
     connection->GetVolumesList(&volumes);
+    Answer(200, "<detach-volume-response><status>0</status></detach-volume-response>");
     connection->DetachVolume("vol1", "srv1");
     const auto journal = simulator.Journal();
     ASSERT_EQ(journal.size(), 2U);
@@ -200,6 +201,7 @@ TEST_F(ConnectionTest, QueriesFailAsTheirExchangeDoes) {
             EXPECT_EQ(call(), "KException: Failed to perform curl action");
             EXPECT_EQ(Records(), begun + Exchanged(query.path, 0) + "0 std::exception\n");
         }
+        Wire();
     }
     EXPECT_TRUE(simulator.UnfiredFaults().empty());
 }

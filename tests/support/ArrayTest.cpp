@@ -41,8 +41,8 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
 
 /// Puts N for the number in generated names, which depends on the clock.
 std::string WithoutNumbers(const std::string& text) {
-    static const std::regex generated("(snap_|_)[0-9]+(_|\\.clone)");
-    return std::regex_replace(text, generated, "$1N$2");
+    static const std::regex generated("(snap_)[0-9]+(_)|(_)[0-9]+(\\.clone)");
+    return std::regex_replace(text, generated, "$1$3N$2$4");
 }
 
 }  // namespace
