@@ -24,6 +24,7 @@ void WriteRecord(int level, const char* module, const char* format, va_list argu
 
 }  // namespace
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): this is how the product's logging library is called
 void Logger::Write(int level, char* module, char* format, ...) {
     const int callersErrno = errno;
     va_list arguments;

@@ -135,6 +135,7 @@ TEST_F(LoggerTest, KeepsRecordsOfThreadsAndProcessesApart) {
         const pid_t child = fork();
 #endif
         std::vector<std::thread> threads;
+        threads.reserve(4);
         for (int thread = 0; thread < 4; ++thread) {
             threads.emplace_back([] {
                 for (int index = 0; index < 250; ++index) {

@@ -65,11 +65,12 @@ TEST(RegistryFile, TakesEveryFormOfValue) {
         {"\"a\"=\"1\"\n\"A\"=-", "(none)"s},
         {"@=\"1\"\n\"a\"=-", "(none)"s},
     };
+    const std::string key = header + "[HKEY_LOCAL_MACHINE\\K]\n";
     for (const auto& [line, bytes] : cases) {
-        EXPECT_EQ(Value(Load(header + "[HKEY_LOCAL_MACHINE\\K]\n" + line), "k", "a"), bytes) << line;
+        EXPECT_EQ(Value(Load(key + line), "k", "a"), bytes) << line;
     }
     EXPECT_EQ(Value(Load(header + "[HKEY_LOCAL_MACHINE]\n@=\"x\""), "", ""), "x\0"s);
-    EXPECT_EQ(Value(Load(header + "[HKEY_LOCAL_MACHINE\\K]\n\"q\\\"\\\\\"=\"x\""), "K", "q\"\\"), "x\0"s);
+    EXPECT_EQ(Value(Load(key + R"("q\"\\"="x")"), "K", R"(q"\)"), "x\0"s);
 }
 
 TEST(RegistryFile, BuildsTheHierarchyInTheOrderOfTheFile) {
@@ -156,7 +157,7 @@ TEST(RegistryFile, NamesTheLineAndItsFault) {
         {key + "\"a\"=hex:123\n", "3: 1 to 2" + digits},
         {key + "\"a\"=hex:41,\n", "3: 1 to 2" + digits},
         {key + "\"a\"=hex:41,\\\n\n", "4: 1 to 2" + digits},
-        {key + "\"a\"=hex:41,\\", "3: the line goes on, but the file ends"},
+        {key + R"("a"=hex:41,\)", "3: the line goes on, but the file ends"},
         {key + "\"a\"=\"good\"\nbad\n", "4: line is neither a key in brackets, nor a value, nor a comment"},
     };
     for (const auto& [text, fault] : cases) {

@@ -38,20 +38,20 @@ TEST_F(RegistryKey, OpensWhatIsThere) {
 
     registry.AddArray("10.0.0.21");
     const std::pair<const char*, bool> paths[] = {
-        {"software\\KORVEL\\hwprovider\\10.0.0.21", true},
-        {"SOFTWARE\\Korvel\\HwProvider\\", true},
-        {"SOFTWARE\\Korvel\\\\HwProvider", true},
+        {R"(software\KORVEL\hwprovider\10.0.0.21)", true},
+        {R"(SOFTWARE\Korvel\HwProvider\)", true},
+        {R"(SOFTWARE\Korvel\\HwProvider)", true},
         {"", true},
-        {"\\SOFTWARE\\Korvel\\HwProvider", false},
-        {"SOFTWARE\\Korvel\\HwProvider\\10.0.0.2", false},
-        {"SOFTWARE\\Korvel\\HwProvider\\10.0.0.21\\..", false},
+        {R"(\SOFTWARE\Korvel\HwProvider)", false},
+        {R"(SOFTWARE\Korvel\HwProvider\10.0.0.2)", false},
+        {R"(SOFTWARE\Korvel\HwProvider\10.0.0.21\..)", false},
         {"SOFTWARE/Korvel/HwProvider", false},
     };
     for (const auto& [path, opens] : paths) {
         EXPECT_EQ(KRegistryKey().Open(path, KRegistryKey::Access::QueryValue), opens) << path;
     }
     registry.Remove("10.0.0.21");
-    EXPECT_FALSE(key.Open((std::string(root) + "\\10.0.0.21").c_str(), KRegistryKey::Access::Read));
+    EXPECT_FALSE(key.Open((std::string(root) + R"(\10.0.0.21)").c_str(), KRegistryKey::Access::Read));
     EXPECT_TRUE(key.CountSubkeys(count)) << "a failed open leaves the key as it was";
 }
 
@@ -83,9 +83,9 @@ TEST_F(RegistryKey, ListsSubkeysUpToTheLimit) {
 }
 
 TEST_F(RegistryKey, ReadsValuesUpToTheLimit) {
-    const std::string array = std::string(root) + "\\10.0.0.21";
-    registry.SetText("10.0.0.21", "AccessKey", "a \"key\" with a \\");
-    EXPECT_EQ(Read(array, "accesskey"), std::string("a \"key\" with a \\") + '\0');
+    const std::string array = std::string(root) + R"(\10.0.0.21)";
+    registry.SetText("10.0.0.21", "AccessKey", R"(a "key" with a \)");
+    EXPECT_EQ(Read(array, "accesskey"), std::string(R"(a "key" with a \)") + '\0');
     EXPECT_EQ(Read(array, "AccessKe"), "(none)");
     EXPECT_EQ(Read(array, ""), "(none)") << "no default value";
     EXPECT_EQ(Read(root, "AccessKey"), "(none)");

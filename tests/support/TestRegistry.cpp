@@ -1,5 +1,6 @@
 #include "TestRegistry.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -105,10 +106,10 @@ public:
     void Set(const std::string& address, const std::string& valueName, unsigned long type,
              const std::vector<unsigned char>& bytes) {
         char number[16];
-        std::snprintf(number, sizeof number, "%lx", type);
+        (void)std::snprintf(number, sizeof number, "%lx", type);
         std::string data = std::string("hex(") + number + "):";
         for (std::size_t index = 0; index < bytes.size(); ++index) {
-            std::snprintf(number, sizeof number, "%s%02x", index == 0 ? "" : ",", bytes[index]);
+            (void)std::snprintf(number, sizeof number, "%s%02x", index == 0 ? "" : ",", bytes[index]);
             data += number;
         }
         SetData(address, valueName, data);
@@ -120,7 +121,7 @@ public:
 
 private:
     static std::string Key(const std::string& address) {
-        return "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider" + (address.empty() ? "" : "\\" + address);
+        return R"(HKEY_LOCAL_MACHINE\SOFTWARE\Korvel\HwProvider)" + (address.empty() ? "" : "\\" + address);
     }
 
     void SetData(const std::string& address, const std::string& valueName, const std::string& data) {

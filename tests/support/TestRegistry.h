@@ -7,7 +7,8 @@
 namespace Korvel {
 
 /// The arrays' configuration for a test: real keys on Windows, elsewhere a registry file of its own that this process
-/// and its children read. Everything is gone when it goes, as it is at the start: no root key at all.
+/// and its children read. Everything is gone when it goes, as it is at the start: no root key at all. On Windows the
+/// machine's own configuration is lost with it, so run the tests where there is none.
 ///
 /// An address is the name of an array's subkey; names are narrow characters. Whatever fails throws
 /// std::runtime_error.
