@@ -31,3 +31,11 @@ file(RELATIVE_PATH KORVEL_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconf
 string(REGEX REPLACE "/$" "" KORVEL_PREFIX_FROM_PKGCONFIG "${KORVEL_PREFIX_FROM_PKGCONFIG}")
 configure_file(cmake/korvel-access-library.pc.in korvel-access-library.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/korvel-access-library.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(WIN32)
+    install(FILES README.md packaging/korvel-sample.reg DESTINATION .)
+    set(CPACK_GENERATOR ZIP)
+    set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-windows-x64)
+    set(CPACK_STRIP_FILES ON)
+    include(CPack)
+endif()
