@@ -5,8 +5,8 @@
 #   demo-cycle.sh KORVELCTL SIMULATOR
 #
 # KORVELCTL may hold words before the program ("wine64 korvelctl.exe"). Where the registry is a real one, the variable
-# KORVEL_DEMO_IMPORT names a command that is given a .reg file and stores it. Ends with 0 only if every step did what it
-# says and the arrays end as they began.
+# KORVEL_DEMO_IMPORT names a command that is given a .reg file and stores it. KORVEL_DEMO_JOURNAL names a file for the
+# requests that came over the wire. Ends with 0 only if every step did what it says and the arrays end as they began.
 set -euo pipefail
 
 if [[ $# -ne 2 ]]; then
@@ -55,14 +55,17 @@ column() {
     sed '1,/^-/d' <<<"$output" | awk -v column="$1" -v pattern="${2:-}" 'index($0, pattern) { print $column }'
 }
 
-# state ARRAY: what an array holds, from the simulator's control interface and not through the library. The number of the
-# next generated name and the mark of the last rollback are history, not contents.
-state() {
+# ask PATH: what the simulator's control interface answers.
+ask() {
     exec 4<>"/dev/tcp/${control%:*}/${control##*:}"
-    printf 'GET /arrays/%d/state HTTP/1.1\r\nHost: %s\r\nConnection: close\r\n\r\n' "$1" "$control" >&4
+    printf 'GET %s HTTP/1.1\r\nHost: %s\r\nConnection: close\r\n\r\n' "$1" "$control" >&4
     sed '1,/^\r*$/d' <&4
     exec 4>&-
 }
+
+# state ARRAY: what an array holds, as the simulator tells it and not through the library. The number of the next
+# generated name and the mark of the last rollback are history, not contents.
+state() { ask "/arrays/$1/state"; }
 contents() { state "$1" | grep -v -e '"nextNumber"' -e '"rolledBackTo"'; }
 
 exec 3< <(exec "$simulator" --arrays 2 --snapshots 1 --reg-file "$work/arrays.reg")
@@ -121,6 +124,7 @@ step "The snapshots on the first array are deleted." 0 snapshot delete "${first_
 step "The snapshots on the second array are deleted." 0 snapshot delete "${second_set[@]}" --array "$second" --yes
 step "The clone is not found any more, which is status 2." 2 volume find --name "$clone"
 
+[[ -z ${KORVEL_DEMO_JOURNAL:-} ]] || ask /journal >"$KORVEL_DEMO_JOURNAL"
 contents 0 | diff "$work/before-0" - || fail "the first array does not end as it began"
 contents 1 | diff "$work/before-1" - || fail "the second array does not end as it began"
 printf '\nThe cycle is COMPLETE: %d steps, and both arrays hold exactly what they held before.\n' "$step_number"
