@@ -54,7 +54,7 @@ native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-d
     nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
 
 # What checking its form needs besides.
-check_packages=(clang clang-format clang-tidy libclang-rt-14-dev git)
+check_packages=(clang clang-format clang-tidy libclang-rt-14-dev ccache)
 
 # Keeps compiled objects between runs, wherever the tree lies. Wants the package ccache.
 use_compiler_cache() {
