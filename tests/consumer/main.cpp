@@ -26,6 +26,7 @@ int main() {
         }
     }
     Korvel::KAccessLayer::GlobalCleanup();
-    std::cout << (faults == 0 ? "the library answers as installed" : "the library does not answer as it should") << '\n';
+    std::cout << (faults == 0 ? "the library answers as installed" : "the library does not answer as it should")
+              << '\n';
     return faults;
 }
