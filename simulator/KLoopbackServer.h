@@ -46,6 +46,7 @@ private:
     class OpenSocket;
 
     bool process_and_close_socket(socket_t sock) override;
+    void ReadFirstRequest();
     void Serve(KWireStream& stream);
     bool IsStopping();
 
