@@ -42,7 +42,7 @@ TEST(ReaderTest, ReadsTheVolumeListing) {
          "KException: Failed to open the xml document ,,,,;\n3 Entering KConnection::ParseVolumeList\n"
          "0 std::exception\n"},
     };
-    for (const auto& [reply, expected] : cases) {
+    for (const ReplyCase& given : cases) {
         std::list<KVolumeRecord> records(1);
         const auto results = [&] {
             std::string text;
@@ -51,8 +51,8 @@ TEST(ReaderTest, ReadsTheVolumeListing) {
             }
             return text;
         };
-        EXPECT_EQ(Read([&](KConnection& reader) { return reader.ParseVolumeList(reply, &records); }, results),
-                  expected);
+        EXPECT_EQ(Read([&](KConnection& reader) { return reader.ParseVolumeList(given.reply, &records); }, results),
+                  given.expected);
     }
 }
 
@@ -76,14 +76,14 @@ TEST(ReaderTest, FindsAVolumeByItsDisplayName) {
          "KException: Failed to open the xml document id,name,group\n"
          "3 Entering KConnection::ParseVolumeXMLByName for volume id\n0 std::exception\n"},
     };
-    for (const auto& [reply, expected] : cases) {
+    for (const ReplyCase& given : cases) {
         std::string id = "id";
         std::string name = "name";
         std::string group = "group";
         const auto call = [&](KConnection& reader) {
-            return reader.ParseVolumeXMLByName(reply, "wanted", id, name, group);
+            return reader.ParseVolumeXMLByName(given.reply, "wanted", id, name, group);
         };
-        EXPECT_EQ(Read(call, [&] { return id + ',' + name + ',' + group; }), expected);
+        EXPECT_EQ(Read(call, [&] { return id + ',' + name + ',' + group; }), given.expected);
     }
 }
 
@@ -101,11 +101,13 @@ TEST(ReaderTest, FindsAServerByItsInitiatorName) {
          "2 id,ip\n3 Entering KConnection::ParseServerXMLByIQN for hostIQN iqn\n"
          "2 No servers matching the host iqn found in the array\n"},
     };
-    for (const auto& [reply, expected] : cases) {
+    for (const ReplyCase& given : cases) {
         std::string id = "id";
         std::string address = "ip";
-        const auto call = [&](KConnection& reader) { return reader.ParseServerXMLByIQN(reply, "iqn", id, address); };
-        EXPECT_EQ(Read(call, [&] { return id + ',' + address; }), expected);
+        const auto call = [&](KConnection& reader) {
+            return reader.ParseServerXMLByIQN(given.reply, "iqn", id, address);
+        };
+        EXPECT_EQ(Read(call, [&] { return id + ',' + address; }), given.expected);
     }
 }
 
@@ -117,7 +119,7 @@ TEST(ReaderTest, ReadsTheSnapshotListing) {
          "3 Exiting KConnection::ParseSnapshotList with return code 0\n"},
         {"<snapshots/>", "2 ,;\n3 Entering KConnection::ParseSnapshotList\n2 No snapshots found in the array\n"},
     };
-    for (const auto& [reply, expected] : cases) {
+    for (const ReplyCase& given : cases) {
         std::list<KSnapshotRecord> records(1);
         const auto results = [&] {
             std::string text;
@@ -126,8 +128,8 @@ TEST(ReaderTest, ReadsTheSnapshotListing) {
             }
             return text;
         };
-        EXPECT_EQ(Read([&](KConnection& reader) { return reader.ParseSnapshotList(reply, &records); }, results),
-                  expected);
+        EXPECT_EQ(Read([&](KConnection& reader) { return reader.ParseSnapshotList(given.reply, &records); }, results),
+                  given.expected);
     }
 }
 
@@ -139,8 +141,9 @@ TEST(ReaderTest, TellsADriveListFromOtherReplies) {
          "1 \n3 Entering KConnection::ParseDriveList\n2 No response for disk list received\n"
          "3 Exiting KConnection::ParseDriveList with return code 1\n"},
     };
-    for (const auto& [reply, expected] : cases) {
-        EXPECT_EQ(Read([&](KConnection&) { return KConnection::ParseDriveList(reply); }, [] { return ""; }), expected);
+    for (const ReplyCase& given : cases) {
+        EXPECT_EQ(Read([&](KConnection&) { return KConnection::ParseDriveList(given.reply); }, [] { return ""; }),
+                  given.expected);
     }
 }
 
