@@ -1,11 +1,9 @@
 #include "System.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
 #if defined(_WIN32)
-#include <io.h>
 #include <windows.h>
 #else
 #include <termios.h>
@@ -76,7 +74,8 @@ private:
 
 bool InputIsTerminal() {
 #if defined(_WIN32)
-    return _isatty(_fileno(stdin)) != 0;
+    DWORD mode = 0;  // asked of a console only: the runtime calls the null device a terminal, too
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 #else
     return isatty(STDIN_FILENO) != 0;
 #endif

@@ -99,11 +99,11 @@ KReport ChangeMapping(const MappingOptions& options, const std::string& verb, co
     KSession session(options.target);
     const FoundVolume found = FindOneVolume(session, VolumeKey::DisplayName, options.volume);
     const std::string address = AddressOf(*found.array);
+    CheckBodyText("volume name", found.Name());
+    CheckPath("volume name", address, DetachPath, found.Name());
     const std::string server = options.iqn.empty() ? options.server : FindOrRegisterServer(*found.array, options.iqn);
     CheckBodyText("server ID", server);
-    CheckBodyText("volume name", found.Name());
     CheckPath("server ID", address, AttachPath, server);
-    CheckPath("volume name", address, DetachPath, found.Name());
 
     Perform(*found.array, verb + " " + Described(found),
             [&] { return (found.array->*operation)(found.Name(), server); });
