@@ -8,7 +8,7 @@
 namespace Korvel {
 namespace {
 
-constexpr std::chrono::seconds keepAlive{5};
+constexpr std::chrono::seconds patience{60};  // a client may run under a debugger
 constexpr std::size_t requestsPerConnection = 1000;
 
 }  // namespace
@@ -39,7 +39,8 @@ private:
 KLoopbackServer::KLoopbackServer(SSL_CTX* tls) : tlsContext(tls) {
     set_address_family(AF_INET);
     set_tcp_nodelay(true);
-    set_write_timeout(std::chrono::seconds(60));
+    set_read_timeout(patience);
+    set_write_timeout(patience);
     // The library's own default would let two processes share one port.
     set_socket_options([](socket_t sock) {
         const int yes = 1;
@@ -126,7 +127,7 @@ bool KLoopbackServer::process_and_close_socket(socket_t sock) {
 
 void KLoopbackServer::Serve(KWireStream& stream) {
     for (std::size_t left = requestsPerConnection; left > 0 && !IsStopping(); --left) {
-        if (!stream.WaitForRequest(keepAlive)) {
+        if (!stream.WaitForRequest(patience)) {
             return;
         }
         stream.BeginRequest();
