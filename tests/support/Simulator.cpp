@@ -118,8 +118,8 @@ void Simulator::ClearJournal() {
 std::string Simulator::RegistryText() const {
     std::string text = "Windows Registry Editor Version 5.00\n";
     for (const auto& [address, key] : arrays) {
-        text +=
-            "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider\\" + address + "]\n\"AccessKey\"=\"" + key + "\"\n";
+        text.append("\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider\\").append(address);
+        text.append("]\n\"AccessKey\"=\"").append(key).append("\"\n");
     }
     return text;
 }
