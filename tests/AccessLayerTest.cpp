@@ -1,9 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <memory>
+
 #include "KorvelAccessLibrary.h"
 #include "RecordingLogger.h"
 #include "TestRegistry.h"
 #include "Utilities.h"
+
+#if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#endif
 
 namespace Korvel {
 namespace {
@@ -116,6 +124,51 @@ TEST_F(KeptKeyTest, NamesAndValuesFitOrFail) {
     EXPECT_THROW(Utilities::GetArrayConfigData("absent", "AccessKey", value), KException);
     EXPECT_EQ(value, "a");
 }
+
+#if defined(_WIN32)  // elsewhere an open key is memory, and the leak sanitizer's to count
+
+/// @return the number of the process's open handles; counted one by one, since not every system tells the number
+long OpenHandles() {
+    long open = 0;
+    for (std::uintptr_t number = 4; number < 0x10000; number += 4) {
+        DWORD flags = 0;
+        open += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
+    }
+    return open;
+}
+
+/// @return how many more handles the process has after a thousand calls, whether they fail or not
+template <typename Call>
+long HandlesLeftBy(Call call) {
+    const long before = OpenHandles();
+    for (int i = 0; i < 1000; ++i) {
+        try {
+            call();
+        } catch (const KException&) {
+        }
+    }
+    TakeRecords();
+    return OpenHandles() - before;
+}
+
+TEST_F(KeptKeyTest, OnlyASuccessfulListingLeavesItsKeyOpen) {
+    std::vector<std::string> addresses;
+    std::string value;
+    const auto list = [&] { Utilities::GetArrayIPList(addresses); };
+    const auto readOf = [&](const char* address, const char* name) {
+        return [&, address, name] { Utilities::GetArrayConfigData(address, name, value); };
+    };
+    EXPECT_EQ(HandlesLeftBy(list), 0) << "no root key";
+    registry.AddRoot();
+    EXPECT_EQ(HandlesLeftBy(list), 0) << "no subkeys";
+    registry.SetText("a", "AccessKey", "k");
+    EXPECT_EQ(HandlesLeftBy(readOf("b", "AccessKey")), 0);
+    EXPECT_EQ(HandlesLeftBy(readOf("a", "absent")), 0);
+    EXPECT_EQ(HandlesLeftBy(readOf("a", "AccessKey")), 0);
+    EXPECT_EQ(HandlesLeftBy(list), 1000);
+}
+
+#endif
 
 TEST_F(AccessLayerTest, CopiesShareTheirArrays) {
     KAccessLayer layer;
