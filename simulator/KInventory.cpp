@@ -19,7 +19,7 @@ namespace {
 template <typename... Numbers>
 std::string Text(const char* format, Numbers... numbers) {
     char text[96];
-    std::snprintf(text, sizeof text, format, numbers...);
+    static_cast<void>(std::snprintf(text, sizeof text, format, numbers...));
     return text;
 }
 
