@@ -91,16 +91,16 @@ void KArrayServer::AfterRequest(KWireStream& stream) {
     }
 }
 
-void KArrayServer::Serve(const httplib::Request& parsed, httplib::Response& response, std::string body) {
-    KWireStream& stream = KWireStream::Of(parsed);
-    KRequest request = KRequest::FromHead(stream.Head());
-    request.array = number;
-    request.body = std::move(body);
-    request.newConnection = stream.IsFirstRequest();
-    const auto fault = faults.Take(number, request.method, request.target);
-    request.fault = fault ? fault->id : 0;
+void KArrayServer::Serve(const httplib::Request& request, httplib::Response& response, std::string body) {
+    KWireStream& stream = KWireStream::Of(request);
+    KRequest noted = KRequest::FromHead(stream.Head());
+    noted.array = number;
+    noted.body = std::move(body);
+    noted.newConnection = stream.IsFirstRequest();
+    const auto fault = faults.Take(number, noted.method, noted.target);
+    noted.fault = fault ? fault->id : 0;
     stream.Note();
-    journal.Add(request);
+    journal.Add(noted);
 
     const KFault::Kind kind = fault ? fault->kind : KFault::Kind::Delay;
     const bool answersItself = kind == KFault::Kind::Delay || kind == KFault::Kind::Cut;
@@ -108,7 +108,7 @@ void KArrayServer::Serve(const httplib::Request& parsed, httplib::Response& resp
         stream.Drop();
         return;
     }
-    KAnswer answer = answersItself || fault->execute ? Execute(request) : KAnswer{.body = {}, .location = {}};
+    KAnswer answer = answersItself || fault->execute ? Execute(noted) : KAnswer{.body = {}, .location = {}};
     if (kind == KFault::Kind::Drop) {
         stream.Drop();
         return;

@@ -234,7 +234,8 @@ KOutcome KArrayState::DetachVolume(const std::string& name, const KForm& form) {
 
 std::string KArrayState::NextName(const char* prefix) {
     char name[32];
-    std::snprintf(name, sizeof name, "%s-%08llx", prefix, static_cast<unsigned long long>(held.nextNumber++));
+    static_cast<void>(
+        std::snprintf(name, sizeof name, "%s-%08llx", prefix, static_cast<unsigned long long>(held.nextNumber++)));
     return name;
 }
 

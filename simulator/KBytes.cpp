@@ -52,7 +52,7 @@ std::string KBytes::FromJson(const nlohmann::json& value) {
     if (value.is_object() && value.size() == 1 && value.contains("base64") && value["base64"].is_string()) {
         return Decode(value["base64"].get<std::string>());
     }
-    throw std::invalid_argument("expected a text or {\"base64\": \"...\"}");
+    throw std::invalid_argument(R"(expected a text or {"base64": "..."})");
 }
 
 }  // namespace Korvel

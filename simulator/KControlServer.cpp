@@ -34,25 +34,24 @@ std::uint64_t Number(const std::string& text) {
 
 }  // namespace
 
-KControlServer::KControlServer(KSimulator& controlled, std::function<void()> shutDown)
+KControlServer::KControlServer(KSimulator& controlled, const std::function<void()>& shutDown)
     : KLoopbackServer(nullptr), simulator(controlled) {
-    const nlohmann::json done = nlohmann::json::object();
     AddArrays();
     AddFaults();
     Get("/journal", Plain([this](const auto& request, const auto&) {
             return simulator.Journal().ToJson(request.has_param("from") ? Number(request.get_param_value("from")) : 0);
         }));
-    Delete("/journal", Plain([this, done](const auto&, const auto&) {
+    Delete("/journal", Plain([this](const auto&, const auto&) {
                simulator.Journal().Clear();
-               return done;
+               return nlohmann::json::object();
            }));
-    Post("/reset", WithBody([this, done](const auto&, const auto&) {
+    Post("/reset", WithBody([this](const auto&, const auto&) {
              simulator.Reset();
-             return done;
+             return nlohmann::json::object();
          }));
-    Post("/shutdown", WithBody([shutDown, done](const auto&, const auto&) {
+    Post("/shutdown", WithBody([shutDown](const auto&, const auto&) {
              shutDown();
-             return done;
+             return nlohmann::json::object();
          }));
     set_error_handler([](const httplib::Request&, httplib::Response& response) {
         if (response.body.empty()) {

@@ -12,8 +12,8 @@ namespace Korvel {
 /// The control interface: JSON over plain HTTP, to read and set the state, arm faults and read the journal.
 class KControlServer : public KLoopbackServer {
 public:
-    /// Controls `simulator`, which has to outlive it; `shutDown` is called when a client asks for the end.
-    KControlServer(KSimulator& simulator, std::function<void()> shutDown);
+    /// Controls `controlled`, which has to outlive it; `shutDown` is called when a client asks for the end.
+    KControlServer(KSimulator& controlled, const std::function<void()>& shutDown);
 
     ~KControlServer() override;
 

@@ -19,6 +19,8 @@ NLOHMANN_JSON_SERIALIZE_ENUM(KFault::Kind, {{KFault::Kind::Delay, nullptr},
 
 namespace {
 
+constexpr std::int64_t longestDelay = 3600000;
+
 template <typename Value>
 std::optional<Value> Optional(const nlohmann::json& value, const char* name) {
     const auto field = value.find(name);
@@ -91,7 +93,7 @@ KFault KFault::FromJson(const nlohmann::json& value) {
     fault.count = Count(value, "count", 1);
     Require(fault.count > 0, "count must be at least 1");
     fault.delay = static_cast<std::int64_t>(Count(value, "delay", 0));
-    Require(fault.delay <= 3600 * 1000, "delay is given in milliseconds, at most one hour");
+    Require(fault.delay <= longestDelay, "delay is given in milliseconds, at most one hour");
     Require(fault.kind != Kind::Delay || fault.delay > 0, "a delay needs the field delay");
     Require(fault.kind != Kind::Status || value.contains("status"), "a status needs the field status");
     fault.status = value.value("status", fault.kind == Kind::Redirect ? 302 : 200);

@@ -9,6 +9,7 @@ namespace Korvel {
 namespace {
 
 constexpr std::chrono::seconds patience{60};  // a client may run under a debugger
+constexpr std::chrono::seconds keepAlive{5};
 constexpr std::size_t requestsPerConnection = 1000;
 
 }  // namespace
@@ -127,7 +128,8 @@ bool KLoopbackServer::process_and_close_socket(socket_t sock) {
 
 void KLoopbackServer::Serve(KWireStream& stream) {
     for (std::size_t left = requestsPerConnection; left > 0 && !IsStopping(); --left) {
-        if (!stream.WaitForRequest(patience)) {
+        // Once it has been answered an idle client must not keep a thread from the others.
+        if (!stream.WaitForRequest(left == requestsPerConnection ? patience : keepAlive)) {
             return;
         }
         stream.BeginRequest();

@@ -70,8 +70,8 @@ KAnswer Run(const Route& route, const Call& call) {
         if (!KReplyWriter::CanHold(call.name)) {
             throw KRefusal("The name in the path holds characters that are not allowed");
         }
-        return route.listing ? KAnswer{.body = route.listing(call), .location = {}}
-                             : Document(KReplies::Done(route.element, route.command(call)));
+        return route.listing != nullptr ? KAnswer{.body = route.listing(call), .location = {}}
+                                        : Document(KReplies::Done(route.element, route.command(call)));
     } catch (const KRefusal& refusal) {
         return Document(KReplies::Refused(route.element, refusal.what()));
     }

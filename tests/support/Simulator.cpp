@@ -115,15 +115,6 @@ void Simulator::ClearJournal() {
     Call("DELETE", "/journal");
 }
 
-std::string Simulator::RegistryText() const {
-    std::string text = "Windows Registry Editor Version 5.00\n";
-    for (const auto& [address, key] : arrays) {
-        text.append("\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider\\").append(address);
-        text.append("]\n\"AccessKey\"=\"").append(key).append("\"\n");
-    }
-    return text;
-}
-
 nlohmann::json Simulator::Call(const char* method, const std::string& path, const nlohmann::json& body) {
     const std::unique_ptr<CURL, void (*)(CURL*)> handle(curl_easy_init(), curl_easy_cleanup);
     const std::string url = "http://" + host + path;

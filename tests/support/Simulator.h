@@ -65,9 +65,6 @@ public:
     /// Forgets the requests.
     void ClearJournal();
 
-    /// Returns the registry entries for all arrays, in the registry editor's export format.
-    std::string RegistryText() const;
-
 private:
     nlohmann::json Call(const char* method, const std::string& path, const nlohmann::json& body = {});
 
