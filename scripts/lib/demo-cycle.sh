@@ -74,6 +74,7 @@ read -r -t 60 -u 3 ready || fail "the simulator did not start"
 first_line='^ready control=([^ ]+) array=([^ ]+) key=[^ ]+ array=([^ ]+) key='
 [[ $ready =~ $first_line ]] || fail "not the simulator's first line: $ready"
 control=${BASH_REMATCH[1]} first=${BASH_REMATCH[2]} second=${BASH_REMATCH[3]}
+export no_proxy=127.0.0.1 NO_PROXY=127.0.0.1 # the library heeds a proxy in the environment
 export KORVEL_REGISTRY=$work/arrays.reg
 [[ -z ${KORVEL_DEMO_IMPORT:-} ]] || $KORVEL_DEMO_IMPORT "$work/arrays.reg"
 contents 0 >"$work/before-0"
