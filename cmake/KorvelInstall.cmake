@@ -34,8 +34,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/korvel-access-library.pc DESTINATION $
 
 if(WIN32)
     install(FILES README.md packaging/korvel-sample.reg DESTINATION .)
+    install(DIRECTORY docs DESTINATION .)
     set(CPACK_GENERATOR ZIP)
     set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-windows-x64)
     set(CPACK_STRIP_FILES ON)
     include(CPack)
+else()
+    install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR})
 endif()

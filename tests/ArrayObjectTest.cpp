@@ -343,6 +343,7 @@ TEST(ObjectTest, RefuseEmptyTextsAndCutAtZero) {
                   }),
                   std::string("invalid_argument: ") + name + " Constructor: Invalid input argument");
     }
+    EXPECT_EQ(*KServer("s", "i", "").spareString, "");
     KVolume volume("i", std::string("n\0x", 3), "d", "g");
     EXPECT_EQ(Names(&volume), "i,n,d,g");
 }

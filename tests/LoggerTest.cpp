@@ -190,6 +190,10 @@ TEST_F(LoggerTest, SurvivesAReaderThatIsGone) {
     };
     EXPECT_EXIT(logToBrokenPipe(), testing::ExitedWithCode(0), "");
 }
+#else
+TEST_F(LoggerTest, SurvivesAReaderThatIsGone) {
+    GTEST_SKIP() << "no signal of a broken pipe ends a process on Windows";
+}
 #endif
 
 }  // namespace

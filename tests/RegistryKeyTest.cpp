@@ -112,6 +112,10 @@ TEST_F(RegistryKey, OpensNothingOfAMalformedFile) {
     EXPECT_FALSE(key.Open(root, KRegistryKey::Access::Read));
     EXPECT_FALSE(key.Open("", KRegistryKey::Access::Read));
 }
+#else
+TEST_F(RegistryKey, OpensNothingOfAMalformedFile) {
+    GTEST_SKIP() << "there is no registry file on Windows";
+}
 #endif
 
 }  // namespace

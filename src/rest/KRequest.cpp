@@ -8,6 +8,7 @@
 namespace Korvel {
 
 void KRequest::SetFrameOptions(CURL* handle, const char* url) {
+    // Kept: no-timeouts. None is set here or elsewhere.
     curl_easy_setopt(handle, CURLOPT_URL, url);
     curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(handle, CURLOPT_SSL_VERIFYPEER, 0L);  // Kept: certificate-not-verified. Arrays sign their own.
