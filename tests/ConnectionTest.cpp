@@ -1,6 +1,9 @@
+#include <cstdlib>
+#include <ctime>
 #include <functional>
 
 #include "ArrayTest.h"
+#include "KRequest.h"
 
 namespace Korvel {
 namespace {
@@ -128,6 +131,34 @@ TEST_F(ConnectionTest, ASnapshotSetEndsAtTheShorterListAndTheFirstZeroByte) {
     EXPECT_EQ(Wire(),
               "POST /api/snapshots/snapshots_set snapshots_set_1_name=snap_N_v\n"
               "POST /api/snapshots/snapshots_set \n");
+}
+
+TEST_F(ConnectionTest, ANameTakesTheFirstNumberOfTheSecondAndTheCallerALaterOne) {
+    std::string name = "v";
+    std::string group = "cg1";
+    const std::time_t before = std::time(nullptr);
+    ASSERT_EQ(connection->CreateSnapshotSet({&name}, {&group}, &snapNames), 0);
+    const int next = std::rand();
+    const std::time_t after = std::time(nullptr);
+    const std::string body = simulator.Journal().back().body;
+    bool known = false;
+    for (std::time_t second = before; second <= after; ++second) {
+        std::srand(static_cast<unsigned int>(second));
+        const std::string number = std::to_string(std::rand() % 1000000 + 1);
+        const bool named = body.find("_name=snap_" + number + "_v&") != std::string::npos;
+        for (int draw = 0; draw < 8; ++draw) {  // the system's own libraries may have drawn in between
+            known = (std::rand() == next && named) || known;
+        }
+    }
+    EXPECT_TRUE(known) << body;
+}
+
+TEST_F(ConnectionTest, AReplyWithoutAPlaceIsRefused) {
+    char data[] = "data";
+    std::string reply = "kept ";
+    EXPECT_EQ(KRequest::WriteReply(data, 1, 4, nullptr), 0U);
+    EXPECT_EQ(KRequest::WriteReply(data, 1, 4, &reply), 4U);
+    EXPECT_EQ(reply, "kept data");
 }
 
 TEST_F(ConnectionTest, RequestsCarryTheKeyAndNothingOfTheirOwn) {

@@ -31,7 +31,7 @@ struct KCommand {
     const char* body;          ///< {0}, {1}, … stand for the arguments; null: no body and no post options
     const char* xPathID;       ///< the response element
     const char* nameElement;   ///< what the reply is asked for besides its status; null: nothing
-    KPartialFormat<long> failureText;
+    KFormat<long> failureText;
     KFormat<int> exitLine;
 };
 
