@@ -5,11 +5,18 @@ install(TARGETS KorvelAccessLibrary Logger EXPORT KorvelAccessLibraryTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
-# The headers keep their folders, because the public one names the others by them.
-install(FILES src/model/KorvelAccessLibrary.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/model)
-install(FILES src/foundation/KException.h src/foundation/KExport.h src/foundation/KStatus.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/foundation)
-install(FILES logger/Logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel/logger)
+# Installed, the headers lie side by side, so the public one names the others without the folder they have here.
+foreach(header model/KorvelAccessLibrary.h foundation/KException.h foundation/KExport.h foundation/KLimits.h
+        foundation/KStatus.h)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/${header})
+    file(READ src/${header} text)
+    string(REPLACE "#include \"../foundation/" "#include \"" text "${text}")
+    cmake_path(GET header FILENAME name)
+    file(CONFIGURE OUTPUT include/korvel/${name} CONTENT "${text}" @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/include/korvel/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel)
+endforeach()
+# A folder of its own: who calls the library does not want the logging library's header on the path.
+install(FILES logger/Logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel-logger)
 
 if(KORVEL_BUILD_TOOLS)
     install(TARGETS korvelctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <memory>
 
-#include "KorvelAccessLibrary.h"
-#include "RecordingLogger.h"
-#include "TestRegistry.h"
-#include "Utilities.h"
+#include "foundation/Utilities.h"
+#include "model/KorvelAccessLibrary.h"
+#include "support/RecordingLogger.h"
+#include "support/TestRegistry.h"
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN

@@ -1,9 +1,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "ArrayTest.h"
-#include "KServer.h"
-#include "KSnapshot.h"
+#include "model/KServer.h"
+#include "model/KSnapshot.h"
+#include "support/ArrayTest.h"
 
 namespace Korvel {
 namespace {

@@ -2,8 +2,8 @@
 #include <ctime>
 #include <functional>
 
-#include "ArrayTest.h"
-#include "KRequest.h"
+#include "rest/KRequest.h"
+#include "support/ArrayTest.h"
 
 namespace Korvel {
 namespace {

@@ -10,8 +10,8 @@
 #include <random>
 #include <utility>
 
-#include "Simulator.h"
-#include "TestRegistry.h"
+#include "support/Simulator.h"
+#include "support/TestRegistry.h"
 
 #if !defined(_WIN32)
 #include <sys/wait.h>

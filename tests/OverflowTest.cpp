@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "KBoundedText.h"
-#include "KConnection.h"
-#include "Outcome.h"
-#include "Utilities.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/Utilities.h"
+#include "rest/KConnection.h"
+#include "support/Outcome.h"
 
 namespace Korvel {
 namespace {

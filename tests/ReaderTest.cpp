@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "KConnection.h"
-#include "Outcome.h"
-#include "RecordingLogger.h"
+#include "rest/KConnection.h"
+#include "support/Outcome.h"
+#include "support/RecordingLogger.h"
 
 namespace Korvel {
 namespace {

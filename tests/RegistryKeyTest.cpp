@@ -1,11 +1,11 @@
-#include "KRegistryKey.h"
+#include "foundation/registry/KRegistryKey.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <vector>
 
-#include "TestRegistry.h"
+#include "support/TestRegistry.h"
 
 namespace Korvel {
 namespace {

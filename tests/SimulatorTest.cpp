@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "Simulator.h"
+#include "support/Simulator.h"
 
 namespace Korvel::Testing {
 namespace {

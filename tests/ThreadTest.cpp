@@ -1,6 +1,6 @@
 #include <thread>
 
-#include "ArrayTest.h"
+#include "support/ArrayTest.h"
 
 namespace Korvel {
 namespace {

@@ -1,4 +1,4 @@
-#include "KBoundedText.h"
+#include "foundation/KBoundedText.h"
 
 #include <cstdlib>
 

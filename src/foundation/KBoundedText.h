@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdio>
 
-#include "KFormat.h"
+#include "foundation/KFormat.h"
+#include "foundation/KLimits.h"
 
 namespace Korvel {
 
@@ -33,8 +34,8 @@ private:
     char text[Capacity];
 };
 
-using KRegistryPath = KBoundedText<260>;  ///< an array's subkey
-using KRequestText = KBoundedText<256>;   ///< a URL, an API path or a header line
-using KErrorText = KBoundedText<512>;     ///< what a KException says about an HTTP status
+using KRegistryPath = KBoundedText<KRegistryPathCapacity>;  ///< an array's subkey
+using KRequestText = KBoundedText<KRequestTextCapacity>;    ///< a URL, an API path or a header line
+using KErrorText = KBoundedText<KErrorTextCapacity>;        ///< what a KException says about an HTTP status
 
 }  // namespace Korvel

@@ -1,4 +1,4 @@
-#include "KException.h"
+#include "foundation/KException.h"
 
 namespace Korvel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KFormat.h"
 #include "Logger.h"
+#include "foundation/KFormat.h"
 
 namespace Korvel {
 

@@ -1,19 +1,17 @@
-#include "Utilities.h"
+#include "foundation/Utilities.h"
 
 #include <algorithm>
 
-#include "KBoundedText.h"
-#include "KException.h"
-#include "KGuard.h"
-#include "KRegistryKey.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KException.h"
+#include "foundation/KLimits.h"
+#include "foundation/KLog.h"
+#include "foundation/registry/KRegistryKey.h"
 
 namespace Korvel {
 
 namespace {
-
-constexpr const char* rootKey = R"(SOFTWARE\Korvel\HwProvider)";
-constexpr std::size_t nameCapacity = 256;
-constexpr std::size_t valueCapacity = 256;
 
 void RequireRegistry(bool succeeded, const char* text) {
     if (!succeeded) {
@@ -23,13 +21,14 @@ void RequireRegistry(bool succeeded, const char* text) {
 
 /// Opens the root key, which a listing leaves open: the sanitizers are told of that by this function's name.
 void OpenRootKey(KRegistryKey& key) {
-    RequireRegistry(key.Open(rootKey, KRegistryKey::Access::Read), "Failed to open registry key");
+    RequireRegistry(key.Open(std::string(KRegistryRootKey).c_str(), KRegistryKey::Access::Read),
+                    "Failed to open registry key");
 }
 
 void AppendSubkeyNames(KRegistryKey& key, unsigned long count, std::vector<std::string>& names) {
     for (unsigned long index = 0; index < count; ++index) {
-        char name[nameCapacity] = {};
-        RequireRegistry(key.ReadSubkeyName(index, name, nameCapacity), "Failed to enumerate registry keys");
+        char name[KSubkeyNameCapacity] = {};
+        RequireRegistry(key.ReadSubkeyName(index, name, KSubkeyNameCapacity), "Failed to enumerate registry keys");
         names.emplace_back(name);
     }
 }
@@ -61,9 +60,9 @@ int Utilities::GetArrayConfigData(const std::string& address, const std::string&
     LogTrace("Entering Utilities::GetArrayConfigData()");
     KRegistryKey key;
     const auto readValue = [&]() -> int {
-        const KRegistryPath path(R"(SOFTWARE\Korvel\HwProvider\%s)", address);
+        const KRegistryPath path(KArrayKeyFormat, address);
         RequireRegistry(key.Open(path.Text(), KRegistryKey::Access::QueryValue), "Failed to open registry key");
-        unsigned char buffer[valueCapacity];
+        unsigned char buffer[KMaxStoredValueSize];
         std::size_t size = sizeof buffer;
         RequireRegistry(key.ReadValue(valueName.c_str(), buffer, size), "Failed to get config value from registry");
         // The stored text need not be terminated: the scan ends with the bytes that were read.

@@ -2,11 +2,12 @@
 #include <memory>
 #include <vector>
 
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KOwnedList.h"
-#include "KorvelAccessLibrary.h"
-#include "Utilities.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "foundation/Utilities.h"
+#include "model/KOwnedList.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
 
 namespace Korvel {
 

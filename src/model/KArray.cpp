@@ -1,9 +1,10 @@
 #include <memory>
 
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KServer.h"
-#include "KorvelAccessLibrary.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "model/KServer.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
 
 namespace Korvel {
 

@@ -4,13 +4,14 @@
 #include <memory>
 #include <utility>
 
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KOwnedList.h"
-#include "KSnapshot.h"
-#include "KSnapshotRecord.h"
-#include "KVolumeRecord.h"
-#include "KorvelAccessLibrary.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "model/KOwnedList.h"
+#include "model/KSnapshot.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
+#include "xml/KSnapshotRecord.h"
+#include "xml/KVolumeRecord.h"
 
 namespace Korvel {
 

@@ -1,11 +1,12 @@
 #include <memory>
 
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KOwnedList.h"
-#include "KServer.h"
-#include "KText.h"
-#include "KorvelAccessLibrary.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "foundation/KText.h"
+#include "model/KOwnedList.h"
+#include "model/KServer.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
 
 namespace Korvel {
 

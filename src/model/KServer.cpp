@@ -1,8 +1,9 @@
-#include "KServer.h"
+#include "model/KServer.h"
 
 #include <memory>
 
-#include "KGuard.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
 
 namespace Korvel {
 

@@ -1,6 +1,7 @@
-#include "KSnapshot.h"
+#include "model/KSnapshot.h"
 
-#include "KGuard.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
 
 namespace Korvel {
 

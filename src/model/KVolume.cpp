@@ -3,12 +3,13 @@
 #include <memory>
 #include <utility>
 
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KOwnedList.h"
-#include "KSnapshot.h"
-#include "KText.h"
-#include "KorvelAccessLibrary.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "foundation/KText.h"
+#include "model/KOwnedList.h"
+#include "model/KSnapshot.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
 
 namespace Korvel {
 

@@ -10,8 +10,8 @@
 /// thread at a time.
 ///
 /// A text that does not fit ends the process, because a request that was cut would reach the wrong thing: a URL
-/// (https://, address and path) or an API path of more than 255 characters, an access key of more than 241, an address
-/// in the registry of more than 232. Check names before they get here.
+/// (https://, address and path) or an API path of more than KMaxUrlLength characters, an access key of more than
+/// KMaxAccessKeyLength, an address in the registry of more than KMaxAddressLength. Check names before they get here.
 ///
 /// What looks wrong but is kept on purpose carries a name after "Kept:"; docs/kept-behaviour.md tells more.
 
@@ -20,6 +20,7 @@
 
 #include "../foundation/KException.h"
 #include "../foundation/KExport.h"
+#include "../foundation/KLimits.h"
 #include "../foundation/KStatus.h"
 
 #if defined(_MSC_VER)

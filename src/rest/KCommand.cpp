@@ -1,4 +1,4 @@
-#include "KCommand.h"
+#include "rest/KCommand.h"
 
 #include <iterator>
 

@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "KFormat.h"
+#include "foundation/KFormat.h"
 
 namespace Korvel {
 

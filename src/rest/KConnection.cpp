@@ -1,12 +1,14 @@
-#include "KConnection.h"
+#include "rest/KConnection.h"
 
 #include <libxml/parser.h>
 
 #include <memory>
 
-#include "KBoundedText.h"
-#include "KGuard.h"
-#include "KRequest.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLimits.h"
+#include "foundation/KLog.h"
+#include "rest/KRequest.h"
 
 namespace Korvel {
 
@@ -43,10 +45,10 @@ int KConnection::InitializeCurl(CURL*& handle, const char* path, curl_slist*& he
     LogTrace("Entering KConnection::InitializeCurl");
     handle = curl_easy_init();
     if (handle != nullptr) {
-        const KRequestText url("https://%s%s", *arrayIP, path);
+        const KRequestText url(KUrlFormat, *arrayIP, path);
         LogTrace("URL: %s", url.Text());
         KRequest::SetFrameOptions(handle, url.Text());
-        const KRequestText header("X-Access-Key: %s", *accessKey);
+        const KRequestText header(KAccessKeyHeaderFormat, *accessKey);
         LogTrace("%s", header.Text());  // Kept: keys-in-the-log.
         headers = curl_slist_append(headers, header.Text());
         curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);

@@ -6,11 +6,11 @@
 #include <list>
 #include <string>
 
-#include "CommandResponse.h"
-#include "KCommand.h"
-#include "KFormat.h"
-#include "KSnapshotRecord.h"
-#include "KVolumeRecord.h"
+#include "foundation/KFormat.h"
+#include "rest/KCommand.h"
+#include "xml/CommandResponse.h"
+#include "xml/KSnapshotRecord.h"
+#include "xml/KVolumeRecord.h"
 
 namespace Korvel {
 

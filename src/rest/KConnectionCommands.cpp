@@ -2,14 +2,15 @@
 #include <list>
 #include <string>
 
-#include "KBoundedText.h"
-#include "KCommand.h"
-#include "KConnection.h"
-#include "KException.h"
-#include "KGeneratedNumber.h"
-#include "KGuard.h"
-#include "KRequest.h"
-#include "KText.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KException.h"
+#include "foundation/KGeneratedNumber.h"
+#include "foundation/KLog.h"
+#include "foundation/KText.h"
+#include "rest/KCommand.h"
+#include "rest/KConnection.h"
+#include "rest/KRequest.h"
 
 namespace Korvel {
 

@@ -1,8 +1,10 @@
-#include "KBoundedText.h"
-#include "KConnection.h"
-#include "KException.h"
-#include "KGuard.h"
-#include "KRequest.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KException.h"
+#include "foundation/KLimits.h"
+#include "foundation/KLog.h"
+#include "rest/KConnection.h"
+#include "rest/KRequest.h"
 
 namespace Korvel {
 
@@ -113,13 +115,13 @@ int KConnection::ListDrives(const std::string& arrayIP, const std::string& acces
     std::string reply;
     KRequest request(reply);
     const int status = request.Run([&] {
-        const KRequestText url("https://%s%s", arrayIP, "/api/drives");
+        const KRequestText url(KUrlFormat, arrayIP, "/api/drives");
         LogEvent("URL: %s", url.Text());
         request.handle = curl_easy_init();
         if (request.handle != nullptr) {
             KRequest::SetFrameOptions(request.handle, url.Text());
         }
-        const KRequestText header("X-Access-Key: %s", accessKey);
+        const KRequestText header(KAccessKeyHeaderFormat, accessKey);
         LogDetail("%s", header.Text());  // Kept: keys-in-the-log.
         request.headers = curl_slist_append(nullptr, header.Text());
         curl_easy_setopt(request.handle, CURLOPT_HTTPHEADER, request.headers);

@@ -1,9 +1,10 @@
-#include "KRequest.h"
+#include "rest/KRequest.h"
 
 #include <exception>
 
-#include "KBoundedText.h"
-#include "KException.h"
+#include "foundation/KBoundedText.h"
+#include "foundation/KException.h"
+#include "foundation/KLog.h"
 
 namespace Korvel {
 

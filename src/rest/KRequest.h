@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "KFormat.h"
-#include "KGuard.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KFormat.h"
 
 namespace Korvel {
 

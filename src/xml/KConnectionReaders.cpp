@@ -1,9 +1,10 @@
 #include <utility>
 
-#include "KCommand.h"
-#include "KConnection.h"
-#include "KGuard.h"
-#include "KReplyDocument.h"
+#include "foundation/KErrorHandling.h"
+#include "foundation/KLog.h"
+#include "rest/KCommand.h"
+#include "rest/KConnection.h"
+#include "xml/KReplyDocument.h"
 
 namespace Korvel {
 

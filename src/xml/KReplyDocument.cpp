@@ -1,10 +1,10 @@
-#include "KReplyDocument.h"
+#include "xml/KReplyDocument.h"
 
 #include <libxml/parser.h>
 
 #include <limits>
 
-#include "KException.h"
+#include "foundation/KException.h"
 
 namespace Korvel {
 

@@ -1,4 +1,4 @@
-#include "ArrayTest.h"
+#include "support/ArrayTest.h"
 
 #include <regex>
 

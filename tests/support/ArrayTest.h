@@ -4,11 +4,11 @@
 
 #include <string>
 
-#include "KConnection.h"
-#include "KorvelAccessLibrary.h"
-#include "Outcome.h"
-#include "RecordingLogger.h"
-#include "Simulator.h"
+#include "model/KorvelAccessLibrary.h"
+#include "rest/KConnection.h"
+#include "support/Outcome.h"
+#include "support/RecordingLogger.h"
+#include "support/Simulator.h"
 
 namespace Korvel {
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "KException.h"
+#include "foundation/KException.h"
 
 namespace Korvel {
 

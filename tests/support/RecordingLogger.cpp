@@ -1,4 +1,4 @@
-#include "RecordingLogger.h"
+#include "support/RecordingLogger.h"
 
 #include <cstdarg>
 #include <cstdio>

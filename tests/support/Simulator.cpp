@@ -1,4 +1,4 @@
-#include "Simulator.h"
+#include "support/Simulator.h"
 
 #include <curl/curl.h>
 

@@ -1,4 +1,4 @@
-#include "TestRegistry.h"
+#include "support/TestRegistry.h"
 
 #include <cstdio>
 #include <cstdlib>

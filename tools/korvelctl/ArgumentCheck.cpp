@@ -1,5 +1,7 @@
 #include "ArgumentCheck.h"
 
+#include <KorvelAccessLibrary.h>
+
 #include <algorithm>
 
 #include "KFailure.h"
@@ -51,13 +53,13 @@ void CheckAddress(std::string_view address) {
     CheckPresent("address", address);
     RefuseControls("address", address);
     RefuseAnyOf("address", address, " /\\?#@%&", "which no host name or IP address has");
-    RefuseLonger("address", address, MaxAddressLength);
+    RefuseLonger("address", address, KMaxAddressLength);
 }
 
 void CheckAccessKey(std::string_view accessKey) {
     CheckPresent("access key", accessKey);
     RefuseControls("access key", accessKey);
-    RefuseLonger("access key", accessKey, MaxAccessKeyLength);
+    RefuseLonger("access key", accessKey, KMaxAccessKeyLength);
 }
 
 void CheckBodyText(std::string_view what, std::string_view text) {
@@ -73,10 +75,10 @@ void CheckPath(std::string_view what, std::string_view address, const RequestPat
     if (name == "." || name == "..") {
         Refuse(what, "'" + std::string(name) + "' would change the request's path");
     }
-    if (around > MaxUrlLength) {
+    if (around > KMaxUrlLength) {
         Refuse("address", "is too long for this request");
     }
-    RefuseLonger(what, name, MaxUrlLength - around);
+    RefuseLonger(what, name, KMaxUrlLength - around);
 }
 
 }  // namespace Korvel::Ctl

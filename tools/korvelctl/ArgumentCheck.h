@@ -6,11 +6,6 @@
 
 namespace Korvel::Ctl {
 
-/// What the library's fixed buffers hold. A longer text ends the whole process, so it is refused here first.
-inline constexpr std::size_t MaxAddressLength = 232;
-inline constexpr std::size_t MaxAccessKeyLength = 241;
-inline constexpr std::size_t MaxUrlLength = 255;
-
 /// A request path: what stands before and after the name it carries.
 struct RequestPath {
     std::string_view before;

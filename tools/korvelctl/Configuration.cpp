@@ -1,12 +1,12 @@
 #include "Configuration.h"
 
+#include <KorvelAccessLibrary.h>
+
 #include "ArgumentCheck.h"
 #include "KFailure.h"
 
 namespace Korvel::Ctl {
 namespace {
-
-constexpr std::size_t MaxStoredKeySize = 256;
 
 template <typename Check>
 void Judge(ConfiguredArray& array, Check check) {
@@ -22,13 +22,13 @@ void JudgeKey(ConfiguredArray& array) {
         array.faults.emplace_back("the AccessKey value is missing");
         return;
     }
-    if (array.storedKey->size() > MaxStoredKeySize) {
+    if (array.storedKey->size() > KMaxStoredValueSize) {
         array.faults.emplace_back("the AccessKey value is larger than 256 bytes");
         return;
     }
     array.accessKey = array.storedKey->substr(0, array.storedKey->find('\0'));
     Judge(array, [&array] { CheckAccessKey(array.accessKey); });
-    array.endsProcess = array.endsProcess || array.accessKey.size() > MaxAccessKeyLength;
+    array.endsProcess = array.endsProcess || array.accessKey.size() > KMaxAccessKeyLength;
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ Configuration ReadConfiguration() {
     Configuration configuration = LoadConfiguration();
     for (ConfiguredArray& array : configuration.arrays) {
         Judge(array, [&array] { CheckAddress(array.address); });
-        array.endsProcess = array.address.size() > MaxAddressLength;
+        array.endsProcess = array.address.size() > KMaxAddressLength;
         JudgeKey(array);
     }
     return configuration;

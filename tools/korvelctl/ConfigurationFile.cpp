@@ -1,18 +1,18 @@
-#include <KRegistryFile.h>
-#include <KRegistryFileError.h>
+#include <KorvelAccessLibrary.h>
+
+#include "foundation/registry/regfile/KRegDocument.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 #include "Configuration.h"
 
 namespace Korvel::Ctl {
 namespace {
 
-constexpr const char* RootKey = "SOFTWARE\\Korvel\\HwProvider";
-
-std::string Place(const std::string& path, const KRegistryNode& node) {
+std::string Place(const std::string& path, const KRegNode& node) {
     return node.line == 0 ? path : path + ":" + std::to_string(node.line);
 }
 
-ConfiguredArray ReadArray(const std::string& path, const std::string& address, const KRegistryNode& node) {
+ConfiguredArray ReadArray(const std::string& path, const std::string& address, const KRegNode& node) {
     ConfiguredArray array;
     array.address = address;
     array.place = Place(path, node);
@@ -23,15 +23,15 @@ ConfiguredArray ReadArray(const std::string& path, const std::string& address, c
     return array;
 }
 
-void ReadArrays(Configuration& configuration, const KRegistryFile& file) {
-    const KRegistryNode* root = file.Find(RootKey);
+void ReadArrays(Configuration& configuration, const KRegDocument& file) {
+    const KRegNode* root = file.Find(KRegistryRootKey);
     if (root == nullptr) {
-        configuration.faults.push_back(configuration.source + ": the key HKEY_LOCAL_MACHINE\\" + RootKey +
-                                       " is missing");
+        configuration.faults.push_back(configuration.source + ": the key HKEY_LOCAL_MACHINE\\" +
+                                       std::string(KRegistryRootKey) + " is missing");
         return;
     }
     for (const std::string& address : root->SubkeyNames()) {
-        if (const KRegistryNode* node = root->Find(address)) {
+        if (const KRegNode* node = root->Find(address)) {
             configuration.arrays.push_back(ReadArray(configuration.source, address, *node));
         }
     }
@@ -41,10 +41,10 @@ void ReadArrays(Configuration& configuration, const KRegistryFile& file) {
 
 Configuration LoadConfiguration() {
     Configuration configuration;
-    configuration.source = KRegistryFile::ConfiguredPath();
+    configuration.source = KRegDocument::ConfiguredPath();
     try {
-        ReadArrays(configuration, KRegistryFile(configuration.source));
-    } catch (const KRegistryFileError& error) {
+        ReadArrays(configuration, KRegDocument(configuration.source));
+    } catch (const KRegError& error) {
         configuration.faults.emplace_back(error.what());
     }
     return configuration;

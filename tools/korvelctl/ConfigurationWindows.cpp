@@ -1,3 +1,5 @@
+#include <KorvelAccessLibrary.h>
+
 #include <windows.h>
 
 #include <system_error>
@@ -8,7 +10,7 @@
 namespace Korvel::Ctl {
 namespace {
 
-constexpr const char* RootKey = "SOFTWARE\\Korvel\\HwProvider";
+const std::string RootKey(KRegistryRootKey);
 constexpr DWORD LongestKeyName = 256;  // the system's own limit of 255 characters, and the terminating zero
 
 /// An open registry key.
@@ -53,7 +55,7 @@ std::optional<std::string> ReadStoredValue(const KOpenKey& key, const char* valu
 ConfiguredArray ReadArray(const KOpenKey& root, const std::string& address) {
     ConfiguredArray array;
     array.address = address;
-    array.place = "HKEY_LOCAL_MACHINE\\" + std::string(RootKey) + "\\" + address;
+    array.place = "HKEY_LOCAL_MACHINE\\" + RootKey + "\\" + address;
     const KOpenKey key(root.Handle(), address.c_str(), KEY_QUERY_VALUE);
     if (key.Error() != ERROR_SUCCESS) {
         array.faults.push_back("the key cannot be opened: " + Reason(key.Error()));
@@ -67,8 +69,8 @@ ConfiguredArray ReadArray(const KOpenKey& root, const std::string& address) {
 
 Configuration LoadConfiguration() {
     Configuration configuration;
-    configuration.source = "HKEY_LOCAL_MACHINE\\" + std::string(RootKey);
-    const KOpenKey root(HKEY_LOCAL_MACHINE, RootKey, KEY_READ);
+    configuration.source = "HKEY_LOCAL_MACHINE\\" + RootKey;
+    const KOpenKey root(HKEY_LOCAL_MACHINE, RootKey.c_str(), KEY_READ);
     if (root.Error() != ERROR_SUCCESS) {
         configuration.faults.push_back(configuration.source + ": the key cannot be opened: " + Reason(root.Error()));
         return configuration;

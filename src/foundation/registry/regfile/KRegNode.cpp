@@ -1,4 +1,4 @@
-#include "KRegistryNode.h"
+#include "foundation/registry/regfile/KRegNode.h"
 
 #include <algorithm>
 
@@ -21,17 +21,17 @@ std::string_view TakeName(std::string_view& path) noexcept {
 
 }  // namespace
 
-bool KRegistryNode::NoCase::operator()(std::string_view left, std::string_view right) const noexcept {
+bool KRegNode::NoCase::operator()(std::string_view left, std::string_view right) const noexcept {
     return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
                                         [](char a, char b) { return Lower(a) < Lower(b); });
 }
 
-KRegistryNode& KRegistryNode::Add(std::string_view path) {
-    KRegistryNode* node = this;
+KRegNode& KRegNode::Add(std::string_view path) {
+    KRegNode* node = this;
     for (std::string_view name = TakeName(path); !name.empty(); name = TakeName(path)) {
         auto found = node->subkeys.find(name);
         if (found == node->subkeys.end()) {
-            found = node->subkeys.emplace(name, std::make_unique<KRegistryNode>()).first;
+            found = node->subkeys.emplace(name, std::make_unique<KRegNode>()).first;
             found->second->place = node->subkeysSeen++;
         }
         node = found->second.get();
@@ -39,8 +39,8 @@ KRegistryNode& KRegistryNode::Add(std::string_view path) {
     return *node;
 }
 
-const KRegistryNode* KRegistryNode::Find(std::string_view path) const {
-    const KRegistryNode* node = this;
+const KRegNode* KRegNode::Find(std::string_view path) const {
+    const KRegNode* node = this;
     for (std::string_view name = TakeName(path); !name.empty(); name = TakeName(path)) {
         const auto found = node->subkeys.find(name);
         if (found == node->subkeys.end()) {
@@ -51,7 +51,7 @@ const KRegistryNode* KRegistryNode::Find(std::string_view path) const {
     return node;
 }
 
-void KRegistryNode::Remove(std::string_view path) {
+void KRegNode::Remove(std::string_view path) {
     const auto found = subkeys.find(TakeName(path));
     if (found == subkeys.end()) {
         return;
@@ -63,7 +63,7 @@ void KRegistryNode::Remove(std::string_view path) {
     }
 }
 
-std::vector<std::string> KRegistryNode::SubkeyNames() const {
+std::vector<std::string> KRegNode::SubkeyNames() const {
     std::map<std::size_t, std::string> namesByPlace;
     for (const auto& [name, node] : subkeys) {
         namesByPlace.emplace(node->place, name);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "KRegistryKey.h"
+#include "foundation/registry/KRegistryKey.h"
 
 namespace Korvel {
 

@@ -1,4 +1,4 @@
-#include "KRegistryFile.h"
+#include "foundation/registry/regfile/KRegDocument.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "KRegistryFileScanner.h"
-#include "KRegistryFileText.h"
+#include "foundation/registry/regfile/KRegEncoding.h"
+#include "foundation/registry/regfile/KRegScanner.h"
 
 namespace Korvel {
 
@@ -18,19 +18,19 @@ constexpr std::string_view machine = "HKEY_LOCAL_MACHINE";
 bool IsHive(std::string_view name) {
     static constexpr std::array<std::string_view, 5> hiveNames = {machine, "HKEY_CURRENT_USER", "HKEY_CLASSES_ROOT",
                                                                   "HKEY_USERS", "HKEY_CURRENT_CONFIG"};
-    const KRegistryNode::NoCase less;
+    const KRegNode::NoCase less;
     return std::any_of(hiveNames.begin(), hiveNames.end(),
                        [&](std::string_view hive) { return !less(hive, name) && !less(name, hive); });
 }
 
-std::vector<unsigned char> TakeText(KRegistryFileScanner& scanner) {
+std::vector<unsigned char> TakeText(KRegScanner& scanner) {
     const std::string text = scanner.TakeQuoted();
     std::vector<unsigned char> bytes(text.begin(), text.end());
     bytes.push_back(0);
     return bytes;
 }
 
-std::vector<unsigned char> TakeNumber(KRegistryFileScanner& scanner) {
+std::vector<unsigned char> TakeNumber(KRegScanner& scanner) {
     const unsigned long number = scanner.TakeHex(8);
     std::vector<unsigned char> bytes;
     for (unsigned shift = 0; shift < 32; shift += 8) {
@@ -39,7 +39,7 @@ std::vector<unsigned char> TakeNumber(KRegistryFileScanner& scanner) {
     return bytes;
 }
 
-std::vector<unsigned char> TakeData(KRegistryFileScanner& scanner) {
+std::vector<unsigned char> TakeData(KRegScanner& scanner) {
     if (scanner.Take("\"")) {
         return TakeText(scanner);
     }
@@ -60,13 +60,13 @@ std::vector<unsigned char> TakeData(KRegistryFileScanner& scanner) {
 
 }  // namespace
 
-std::string KRegistryFile::ConfiguredPath() {
+std::string KRegDocument::ConfiguredPath() {
     const char* path = std::getenv("KORVEL_REGISTRY");
     return path == nullptr || *path == '\0' ? "/etc/korvel/registry.reg" : path;
 }
 
-KRegistryFile::KRegistryFile(const std::string& path) {
-    KRegistryFileScanner scanner(path, KRegistryFileText::Read(path));
+KRegDocument::KRegDocument(const std::string& path) {
+    KRegScanner scanner(path, KRegEncoding::Read(path));
     if (!scanner.NextLine() || !scanner.Take("Windows Registry Editor Version 5.00") || !scanner.Rest().empty()) {
         scanner.Fail("the first line is not \"Windows Registry Editor Version 5.00\"");
     }
@@ -81,12 +81,12 @@ KRegistryFile::KRegistryFile(const std::string& path) {
     hives.Add(machine);  // the hive is there even if the file says nothing about it
 }
 
-const KRegistryNode* KRegistryFile::Find(std::string_view path) const {
+const KRegNode* KRegDocument::Find(std::string_view path) const {
     // A path that begins with a backslash is no path below a hive.
     return path.starts_with('\\') ? nullptr : hives.Find(machine)->Find(path);
 }
 
-void KRegistryFile::ReadKey(KRegistryFileScanner& scanner) {
+void KRegDocument::ReadKey(KRegScanner& scanner) {
     constexpr std::ptrdiff_t mostLevels = 512;  // the registry's own limit
     const bool remove = scanner.Take("-");
     const std::string path = scanner.TakeKey();
@@ -106,7 +106,7 @@ void KRegistryFile::ReadKey(KRegistryFileScanner& scanner) {
     }
 }
 
-void KRegistryFile::ReadValue(KRegistryFileScanner& scanner) {
+void KRegDocument::ReadValue(KRegScanner& scanner) {
     std::string name;
     if (scanner.Take("\"")) {
         name = scanner.TakeQuoted();

@@ -1,8 +1,8 @@
-#include "KRegistryFileError.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 namespace Korvel {
 
-KRegistryFileError::KRegistryFileError(const std::string& path, std::size_t line, const std::string& fault)
+KRegError::KRegError(const std::string& path, std::size_t line, const std::string& fault)
     : std::runtime_error(path + ":" + (line == 0 ? "" : std::to_string(line) + ":") + " " + fault) {}
 
 }  // namespace Korvel

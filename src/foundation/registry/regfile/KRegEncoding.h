@@ -6,10 +6,10 @@
 namespace Korvel {
 
 /// The text of a registry file as UTF-8 without a byte-order mark.
-class KRegistryFileText {
+class KRegEncoding {
 public:
     /// Reads a file as UTF-8 or, if it begins with that byte-order mark, UTF-16LE.
-    /// @throws KRegistryFileError if it can't be read, is no regular file, is longer than 64 MiB, or isn't such a text
+    /// @throws KRegError if it can't be read, is no regular file, is longer than 64 MiB, or isn't such a text
     static std::string Read(const std::string& path);
 
 private:

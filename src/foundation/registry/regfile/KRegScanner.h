@@ -8,14 +8,14 @@
 namespace Korvel {
 
 /// Walks through the lines of a registry file and takes them apart from left to right. Whatever doesn't stand as it
-/// should throws KRegistryFileError with the line's number.
-class KRegistryFileScanner {
+/// should throws KRegError with the line's number.
+class KRegScanner {
 public:
     /// @param filePath the file's path, for faults
     /// @param fileText UTF-8; lines end with a line feed, with or without a carriage return before it
-    KRegistryFileScanner(std::string filePath, std::string fileText);
-    KRegistryFileScanner(const KRegistryFileScanner&) = delete;
-    KRegistryFileScanner& operator=(const KRegistryFileScanner&) = delete;
+    KRegScanner(std::string filePath, std::string fileText);
+    KRegScanner(const KRegScanner&) = delete;
+    KRegScanner& operator=(const KRegScanner&) = delete;
 
     /// Goes to the beginning of the next line.
     /// @return false after the last one

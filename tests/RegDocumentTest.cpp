@@ -1,11 +1,11 @@
-#include "KRegistryFile.h"
+#include "foundation/registry/regfile/KRegDocument.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
-#include "KRegistryFileError.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 namespace Korvel {
 namespace {
@@ -19,15 +19,15 @@ struct TemporaryFile {
     const std::string path = testing::TempDir() + "korvel-registry-file-test.reg";
 };
 
-KRegistryFile Load(const std::string& bytes) {
-    return KRegistryFile(TemporaryFile(bytes).path);
+KRegDocument Load(const std::string& bytes) {
+    return KRegDocument(TemporaryFile(bytes).path);
 }
 
 /// The fault that keeps `bytes` from being read, from the line's number on; empty if there is none.
 std::string FaultOf(const std::string& bytes) {
     try {
         Load(bytes);
-    } catch (const KRegistryFileError& error) {
+    } catch (const KRegError& error) {
         const std::string text = error.what();
         return text.substr(text.find(".reg:") + 5);
     }
@@ -35,9 +35,9 @@ std::string FaultOf(const std::string& bytes) {
 }
 
 /// The bytes of value `name` of key `key`, or "(none)".
-std::string Value(const KRegistryFile& file, const std::string& key, const std::string& name) {
-    const KRegistryNode* node = file.Find(key);
-    const auto found = node == nullptr ? KRegistryNode::Values::const_iterator() : node->values.find(name);
+std::string Value(const KRegDocument& file, const std::string& key, const std::string& name) {
+    const KRegNode* node = file.Find(key);
+    const auto found = node == nullptr ? KRegNode::Values::const_iterator() : node->values.find(name);
     return node == nullptr || found == node->values.end() ? "(none)"
                                                           : std::string(found->second.begin(), found->second.end());
 }
@@ -74,7 +74,7 @@ TEST(RegistryFile, TakesEveryFormOfValue) {
 }
 
 TEST(RegistryFile, BuildsTheHierarchyInTheOrderOfTheFile) {
-    const KRegistryFile file = Load(header + R"(; first a deep key
+    const KRegDocument file = Load(header + R"(; first a deep key
 [HKEY_LOCAL_MACHINE\Root\zeta\Deep]
 [hkey_local_machine\ROOT\alpha] ; in [brackets]
 "one"="1"
@@ -168,10 +168,10 @@ TEST(RegistryFile, NamesTheLineAndItsFault) {
 TEST(RegistryFile, RefusesWhatIsNoReadableFile) {
     const TemporaryFile file(header);
     std::filesystem::resize_file(file.path, (64U << 20U) + 1);
-    EXPECT_THROW(KRegistryFile{file.path}, KRegistryFileError);
-    EXPECT_THROW(KRegistryFile{"/dev/zero"}, KRegistryFileError);
-    EXPECT_THROW(KRegistryFile{testing::TempDir()}, KRegistryFileError);
-    EXPECT_THROW(KRegistryFile{testing::TempDir() + "korvel-no-such-file.reg"}, KRegistryFileError);
+    EXPECT_THROW(KRegDocument{file.path}, KRegError);
+    EXPECT_THROW(KRegDocument{"/dev/zero"}, KRegError);
+    EXPECT_THROW(KRegDocument{testing::TempDir()}, KRegError);
+    EXPECT_THROW(KRegDocument{testing::TempDir() + "korvel-no-such-file.reg"}, KRegError);
 }
 
 }  // namespace

@@ -3,36 +3,36 @@
 #include <string>
 #include <string_view>
 
-#include "KRegistryNode.h"
+#include "foundation/registry/regfile/KRegNode.h"
 
 namespace Korvel {
 
-class KRegistryFileScanner;
+class KRegScanner;
 
 /// A registry that is kept in a file, in the registry editor's export format ("Windows Registry Editor Version 5.00").
 ///
 /// Keys and values may be removed again (`[-KEY]`, `"name"=-`), a later value takes the place of an earlier one, and
 /// comments begin with `;`. `hex` values of every type give their bytes as they stand.
-class KRegistryFile {
+class KRegDocument {
 public:
     /// @return the file that is to be read: what the environment variable KORVEL_REGISTRY names, else
     ///         /etc/korvel/registry.reg
     static std::string ConfiguredPath();
 
     /// Reads a file, whole.
-    /// @throws KRegistryFileError naming file, line and fault if it can't be read or any line is malformed
-    explicit KRegistryFile(const std::string& path);
+    /// @throws KRegError naming file, line and fault if it can't be read or any line is malformed
+    explicit KRegDocument(const std::string& path);
 
     /// @param path the key's path below HKEY_LOCAL_MACHINE, with backslashes; an empty one is the hive itself
     /// @return the key, owned by this object, or null if there is none
-    const KRegistryNode* Find(std::string_view path) const;
+    const KRegNode* Find(std::string_view path) const;
 
 private:
-    void ReadKey(KRegistryFileScanner& scanner);
-    void ReadValue(KRegistryFileScanner& scanner);
+    void ReadKey(KRegScanner& scanner);
+    void ReadValue(KRegScanner& scanner);
 
-    KRegistryNode hives;
-    KRegistryNode* section = nullptr;  // the key that the values which follow belong to
+    KRegNode hives;
+    KRegNode* section = nullptr;  // the key that the values which follow belong to
 };
 
 }  // namespace Korvel

@@ -1,4 +1,4 @@
-#include "KRegistryFileText.h"
+#include "foundation/registry/regfile/KRegEncoding.h"
 
 #include <iconv.h>
 
@@ -11,7 +11,7 @@
 #include <system_error>
 #include <type_traits>
 
-#include "KRegistryFileError.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 namespace Korvel {
 
@@ -33,11 +33,11 @@ std::string ReadBytes(const std::string& path) {
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(path, ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-        throw KRegistryFileError(path, 0, "is not a regular file");
+        throw KRegError(path, 0, "is not a regular file");
     }
     const std::unique_ptr<std::FILE, KFileCloser> file(std::fopen(path.c_str(), "rb"));
     if (file == nullptr) {
-        throw KRegistryFileError(path, 0, std::generic_category().message(errno));
+        throw KRegError(path, 0, std::generic_category().message(errno));
     }
     std::string bytes;
     char block[16384];
@@ -46,10 +46,10 @@ std::string ReadBytes(const std::string& path) {
         bytes.append(block, count);
     }
     if (std::ferror(file.get()) != 0) {
-        throw KRegistryFileError(path, 0, std::generic_category().message(errno));
+        throw KRegError(path, 0, std::generic_category().message(errno));
     }
     if (bytes.size() > mostBytes) {
-        throw KRegistryFileError(path, 0, "is longer than 64 MiB");
+        throw KRegError(path, 0, "is longer than 64 MiB");
     }
     return bytes;
 }
@@ -70,16 +70,16 @@ std::size_t LastLine(std::string_view text) {
 
 }  // namespace
 
-std::string KRegistryFileText::Read(const std::string& path) {
+std::string KRegEncoding::Read(const std::string& path) {
     const std::string bytes = ReadBytes(path);
     std::string text = Decode(path, bytes);
     if (const std::size_t zero = text.find('\0'); zero != std::string::npos) {
-        throw KRegistryFileError(path, LastLine(std::string_view(text).substr(0, zero)), "a zero byte in a text file");
+        throw KRegError(path, LastLine(std::string_view(text).substr(0, zero)), "a zero byte in a text file");
     }
     return text;
 }
 
-std::string KRegistryFileText::Decode(const std::string& path, std::string_view bytes) {
+std::string KRegEncoding::Decode(const std::string& path, std::string_view bytes) {
     const char* encoding = "UTF-8";
     if (bytes.starts_with("\xff\xfe")) {
         encoding = "UTF-16LE";
@@ -89,7 +89,7 @@ std::string KRegistryFileText::Decode(const std::string& path, std::string_view 
     }
     iconv_t opened = iconv_open("UTF-8", encoding);
     if (reinterpret_cast<std::intptr_t>(opened) == -1) {
-        throw KRegistryFileError(path, 0, std::string("this system can't read ") + encoding);
+        throw KRegError(path, 0, std::string("this system can't read ") + encoding);
     }
     const KConverter converter(opened);
 
@@ -104,11 +104,11 @@ std::string KRegistryFileText::Decode(const std::string& path, std::string_view 
         const bool invalid = result == static_cast<std::size_t>(-1) && errno != E2BIG;
         text.append(block, sizeof block - outputLeft);
         if (invalid) {
-            throw KRegistryFileError(path, LastLine(text), std::string("is not valid ") + encoding);
+            throw KRegError(path, LastLine(text), std::string("is not valid ") + encoding);
         }
     }
     if (const std::size_t bad = FindPastLastCharacter(text); bad != std::string::npos) {
-        throw KRegistryFileError(path, LastLine(std::string_view(text).substr(0, bad)), "is not valid UTF-8");
+        throw KRegError(path, LastLine(std::string_view(text).substr(0, bad)), "is not valid UTF-8");
     }
     return text;
 }

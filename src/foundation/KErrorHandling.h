@@ -3,8 +3,8 @@
 #include <exception>
 #include <stdexcept>
 
-#include "KLog.h"
-#include "KStatus.h"
+#include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 
 namespace Korvel {
 

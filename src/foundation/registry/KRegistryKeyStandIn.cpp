@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "KRegistryFile.h"
-#include "KRegistryFileError.h"
-#include "KRegistryKey.h"
+#include "foundation/registry/KRegistryKey.h"
+#include "foundation/registry/regfile/KRegDocument.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 namespace Korvel {
 
@@ -15,7 +15,7 @@ namespace {
 /// What the caller may ask an open key for, so that the file can be forgotten: a key is left open now and then.
 struct KOpenKey {
     std::vector<std::string> subkeyNames;
-    KRegistryNode::Values values;
+    KRegNode::Values values;
 };
 
 const KOpenKey* Opened(void* handle) {
@@ -23,8 +23,8 @@ const KOpenKey* Opened(void* handle) {
 }
 
 std::unique_ptr<KOpenKey> OpenFromFile(const char* path) {
-    const KRegistryFile file(KRegistryFile::ConfiguredPath());
-    const KRegistryNode* node = file.Find(path);
+    const KRegDocument file(KRegDocument::ConfiguredPath());
+    const KRegNode* node = file.Find(path);
     return node == nullptr ? nullptr : std::make_unique<KOpenKey>(KOpenKey{node->SubkeyNames(), node->values});
 }
 
@@ -34,7 +34,7 @@ bool KRegistryKey::Open(const char* path, [[maybe_unused]] Access access) {
     std::unique_ptr<KOpenKey> opened;
     try {
         opened = OpenFromFile(path);
-    } catch (const KRegistryFileError&) {
+    } catch (const KRegError&) {
         return false;  // the caller knows one failure only; the configuration check names file, line and fault
     }
     if (opened == nullptr) {
@@ -69,7 +69,7 @@ bool KRegistryKey::ReadValue(const char* valueName, unsigned char* buffer, std::
     if (handle == nullptr) {
         return false;
     }
-    const KRegistryNode::Values& values = Opened(handle)->values;
+    const KRegNode::Values& values = Opened(handle)->values;
     const auto found = values.find(valueName);
     if (found == values.end() || found->second.size() > size) {
         return false;

@@ -1,10 +1,10 @@
-#include "KRegistryFileScanner.h"
+#include "foundation/registry/regfile/KRegScanner.h"
 
 #include <algorithm>
 #include <charconv>
 #include <utility>
 
-#include "KRegistryFileError.h"
+#include "foundation/registry/regfile/KRegError.h"
 
 namespace Korvel {
 
@@ -19,10 +19,10 @@ std::string_view WithoutLeadingBlanks(std::string_view text) {
 
 }  // namespace
 
-KRegistryFileScanner::KRegistryFileScanner(std::string filePath, std::string fileText)
+KRegScanner::KRegScanner(std::string filePath, std::string fileText)
     : path(std::move(filePath)), text(std::move(fileText)), following(text) {}
 
-bool KRegistryFileScanner::NextLine() {
+bool KRegScanner::NextLine() {
     if (following.empty()) {
         return false;
     }
@@ -35,12 +35,12 @@ bool KRegistryFileScanner::NextLine() {
     return true;
 }
 
-std::string_view KRegistryFileScanner::Rest() {
+std::string_view KRegScanner::Rest() {
     rest = WithoutLeadingBlanks(rest);
     return rest;
 }
 
-bool KRegistryFileScanner::Take(std::string_view word) {
+bool KRegScanner::Take(std::string_view word) {
     if (!Rest().starts_with(word)) {
         return false;
     }
@@ -48,7 +48,7 @@ bool KRegistryFileScanner::Take(std::string_view word) {
     return true;
 }
 
-std::string KRegistryFileScanner::TakeKey() {
+std::string KRegScanner::TakeKey() {
     for (std::size_t end = rest.find(']'); end != std::string_view::npos; end = rest.find(']', end + 1)) {
         if (OnlyCommentFollows(rest.substr(end + 1))) {
             std::string key(rest.substr(0, end));
@@ -59,7 +59,7 @@ std::string KRegistryFileScanner::TakeKey() {
     Fail("key is not closed");
 }
 
-std::string KRegistryFileScanner::TakeQuoted() {
+std::string KRegScanner::TakeQuoted() {
     std::string result;
     while (!rest.empty()) {
         char character = rest.front();
@@ -79,7 +79,7 @@ std::string KRegistryFileScanner::TakeQuoted() {
     Fail("text is not closed");
 }
 
-unsigned long KRegistryFileScanner::TakeHex(std::size_t mostDigits) {
+unsigned long KRegScanner::TakeHex(std::size_t mostDigits) {
     const std::string_view digits = Rest().substr(0, rest.find_first_not_of("0123456789abcdefABCDEF"));
     if (digits.empty() || digits.size() > mostDigits) {
         Fail("1 to " + std::to_string(mostDigits) + " hexadecimal digits are expected");
@@ -90,7 +90,7 @@ unsigned long KRegistryFileScanner::TakeHex(std::size_t mostDigits) {
     return number;
 }
 
-std::vector<unsigned char> KRegistryFileScanner::TakeHexBytes() {
+std::vector<unsigned char> KRegScanner::TakeHexBytes() {
     std::vector<unsigned char> bytes;
     if (OnlyCommentFollows(rest)) {
         return bytes;
@@ -102,22 +102,22 @@ std::vector<unsigned char> KRegistryFileScanner::TakeHexBytes() {
     return bytes;
 }
 
-void KRegistryFileScanner::TakeEnd() {
+void KRegScanner::TakeEnd() {
     if (!OnlyCommentFollows(rest)) {
         Fail("more follows where the line should end");
     }
 }
 
-void KRegistryFileScanner::Fail(const std::string& fault) const {
-    throw KRegistryFileError(path, lineNumber, fault);
+void KRegScanner::Fail(const std::string& fault) const {
+    throw KRegError(path, lineNumber, fault);
 }
 
-bool KRegistryFileScanner::OnlyCommentFollows(std::string_view remainder) const {
+bool KRegScanner::OnlyCommentFollows(std::string_view remainder) const {
     remainder = WithoutLeadingBlanks(remainder);
     return remainder.empty() || remainder.starts_with(';');
 }
 
-void KRegistryFileScanner::SkipContinuation() {
+void KRegScanner::SkipContinuation() {
     if (!Take("\\")) {
         return;
     }

@@ -11,7 +11,7 @@ namespace Korvel {
 
 /// A key of a registry that is held in memory: its values and the keys below it. Names are matched without regard to
 /// ASCII case and keep the spelling they came with first.
-class KRegistryNode {
+class KRegNode {
 public:
     struct NoCase {
         using is_transparent = void;
@@ -25,11 +25,11 @@ public:
     /// @param path names with backslashes between them; as in the registry, more than one counts as one, and an empty
     ///        path is the key itself
     /// @return the key, owned by this one
-    KRegistryNode& Add(std::string_view path);
+    KRegNode& Add(std::string_view path);
 
     /// @param path as for Add()
     /// @return the key, owned by this one, or null if there is none
-    const KRegistryNode* Find(std::string_view path) const;
+    const KRegNode* Find(std::string_view path) const;
 
     /// Removes a key with all below it, if there is one.
     /// @param path as for Add(), not empty
@@ -42,7 +42,7 @@ public:
     std::size_t line = 0;  ///< where the key is first named in its file, from 1; 0 if only a deeper key names it
 
 private:
-    std::map<std::string, std::unique_ptr<KRegistryNode>, NoCase> subkeys;
+    std::map<std::string, std::unique_ptr<KRegNode>, NoCase> subkeys;
     std::size_t subkeysSeen = 0;
     std::size_t place = 0;  // among its parent's subkeys
 };
