@@ -17,15 +17,14 @@ inline void RequireArgument(bool valid, const char* text) {
     }
 }
 
-/// Runs the protected steps of an operation. A standard exception that leaves them first has the operation's holdings
-/// released, then is logged, and goes on to the caller: in this order, so that nothing is held when the log shows it.
+/// Runs the protected steps of an operation; a standard exception that leaves them is logged and goes on to the caller.
+/// What the operation holds are locals of the steps, so nothing is held any more when the log shows the failure.
 /// @return what the steps return
-template <typename Steps, typename Release>
-int LogAndRethrow(Steps steps, Release release) {
+template <typename Steps>
+int LogAndRethrow(const Steps& steps) {
     try {
         return steps();
     } catch (const std::exception& error) {
-        release();
         LogError("%s", error.what());
         throw;
     }
@@ -34,7 +33,7 @@ int LogAndRethrow(Steps steps, Release release) {
 /// Runs the protected steps of an operation that reports an exception as a status.
 /// @return 0, or 1 after a standard exception, which is logged
 template <typename Steps>
-int LogAndConvert(Steps steps) {
+int LogAndConvert(const Steps& steps) {
     try {
         steps();
         return KStatusSuccess;

@@ -37,29 +37,27 @@ void AppendSubkeyNames(KRegistryKey& key, unsigned long count, std::vector<std::
 
 int Utilities::GetArrayIPList(std::vector<std::string>& addresses) {
     LogTrace("Entering Utilities::GetArrayIPList()");
-    KRegistryKey key;
-    const auto listSubkeys = [&]() -> int {
+    const int status = LogAndRethrow([&]() -> int {
+        KRegistryKey key;
         OpenRootKey(key);
         unsigned long count = 0;
         RequireRegistry(key.CountSubkeys(count), "Failed to query the registry key");
         if (count == 0) {
             LogEvent("No Subkeys found");
-            key.Close();
         } else {
             AppendSubkeyNames(key, count, addresses);
             key.LeaveOpen();  // Kept: open-root-key.
         }
         return KStatusSuccess;
-    };
-    const int status = LogAndRethrow(listSubkeys, [&] { key.Close(); });
+    });
     LogTrace("Exiting Utilities::GetArrayIPList() with return code %d", status);
     return status;
 }
 
 int Utilities::GetArrayConfigData(const std::string& address, const std::string& valueName, std::string& value) {
     LogTrace("Entering Utilities::GetArrayConfigData()");
-    KRegistryKey key;
-    const auto readValue = [&]() -> int {
+    const int status = LogAndRethrow([&]() -> int {
+        KRegistryKey key;
         const KRegistryPath path(KArrayKeyFormat, address);
         RequireRegistry(key.Open(path.Text(), KRegistryKey::Access::QueryValue), "Failed to open registry key");
         unsigned char buffer[KMaxStoredValueSize];
@@ -67,10 +65,8 @@ int Utilities::GetArrayConfigData(const std::string& address, const std::string&
         RequireRegistry(key.ReadValue(valueName.c_str(), buffer, size), "Failed to get config value from registry");
         // The stored text need not be terminated: the scan ends with the bytes that were read.
         value.assign(buffer, std::find(buffer, buffer + size, '\0'));
-        key.Close();
         return KStatusSuccess;
-    };
-    const int status = LogAndRethrow(readValue, [&] { key.Close(); });
+    });
     LogTrace("Exiting Utilities::GetArrayConfigData() with return code %d", status);
     return status;
 }

@@ -57,9 +57,11 @@ int KConnection::InitializeCurl(CURL*& handle, const char* path, curl_slist*& he
     return KStatusSuccess;
 }
 
-void KConnection::Get(KRequest& request, const char* path) {
-    InitializeCurl(request.handle, path, request.headers);
-    request.Perform();
+KRequest KConnection::Prepare(const char* path) {
+    CURL* handle = nullptr;
+    curl_slist* headers = nullptr;
+    InitializeCurl(handle, path, headers);
+    return {handle, headers};
 }
 
 }  // namespace Korvel

@@ -156,10 +156,9 @@ public:
     /// @}
 
 private:
-    void Get(KRequest& request, const char* path);
+    KRequest Prepare(const char* path);
     int FetchListing(const char* path, KPartialFormat<long> failureText, std::string& reply);
-    int Exchange(KRequest& request, KCommandAction action, std::initializer_list<const std::string*> arguments,
-                 CommandResponse& response);
+    int Exchange(KCommandAction action, std::initializer_list<const std::string*> arguments, CommandResponse& response);
     int RunCommand(KCommandAction action, std::initializer_list<const std::string*> arguments, std::string* name);
 
     std::string* arrayIP;

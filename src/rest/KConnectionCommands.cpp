@@ -56,17 +56,17 @@ std::string SnapshotSetBody(const std::list<std::string*>& volNames, const std::
 }  // namespace
 
 /// The part that all commands share: sends the request, reads the answer and judges it.
-int KConnection::Exchange(KRequest& request, KCommandAction action, std::initializer_list<const std::string*> arguments,
+int KConnection::Exchange(KCommandAction action, std::initializer_list<const std::string*> arguments,
                           CommandResponse& response) {
     const KCommand& command = CommandOf(action);
     const KRequestText path(command.path, *arguments.begin()[command.pathArgument]);
     LogDetail("URL: %s", path.Text());
-    InitializeCurl(request.handle, path.Text(), request.headers);
+    const KRequest request = Prepare(path.Text());
     const std::string body = FillBody(command.body, arguments);
     request.SetCommand(command.method, command.body == nullptr ? nullptr : &body);
-    request.Perform();
-    request.RequireOK(command.failureText);
-    const int status = ParseResponseXML(request.Reply(), command.xPathID, action, response);
+    std::string reply;
+    request.Perform(reply, command.failureText);
+    const int status = ParseResponseXML(reply, command.xPathID, action, response);
     if (status == KStatusSuccess && response.status != "0") {
         throw KException(response.statusMsg.c_str());
     }
@@ -79,12 +79,10 @@ int KConnection::RunCommand(KCommandAction action, std::initializer_list<const s
                             std::string* name) {
     const KCommand& command = CommandOf(action);
     LogTrace(command.entryLine, *arguments.begin()[command.entryArgument]);
-    std::string reply;
-    KRequest request(reply);
-    const int status = request.Run([&] {
+    const int status = LogAndRethrow([&] {
         RequireArgument(std::all_of(arguments.begin(), arguments.end(), HasText), command.invalidArgument);
         CommandResponse response;
-        const int judged = Exchange(request, action, arguments, response);
+        const int judged = Exchange(action, arguments, response);
         if (judged == KStatusSuccess && name != nullptr) {
             name->swap(response.name);
         }
@@ -98,14 +96,12 @@ int KConnection::CreateSnapshotSet(const std::list<std::string*>& volNames, cons
                                    std::list<std::string>* snapNames) {
     const KCommand& command = CommandOf(KCommandCreateSnapshotSet);
     LogTrace(command.entryLine, VolumesText(volNames));
-    std::string reply;
-    KRequest request(reply);
-    const int status = request.Run([&] {
+    const int status = LogAndRethrow([&] {
         // This body alone ends at its first zero byte.
         const std::string body(UpToZero(SnapshotSetBody(volNames, cgNames, command.invalidArgument)));
         CommandResponse response;
         response.snapshotNames = snapNames;
-        return Exchange(request, KCommandCreateSnapshotSet, {&body}, response);
+        return Exchange(KCommandCreateSnapshotSet, {&body}, response);
     });
     LogTrace(command.exitLine, status);
     return status;

@@ -10,12 +10,11 @@ namespace Korvel {
 
 int KConnection::GetVolumesList(std::list<KVolumeRecord>* volumeRecords) {
     LogTrace("Entering KConnection::GetVolumesList");
-    std::string reply;
-    KRequest request(reply);
-    const int status = request.Run([&] {
+    const int status = LogAndRethrow([&] {
         RequireArgument(volumeRecords != nullptr, "KConnection::GetVolumesList - Invalid input argument");
-        Get(request, "/api/volumes");
-        request.RequireOK("HTTP return code: %ld. List volume failed");
+        std::string reply;
+        const KRequest request = Prepare("/api/volumes");
+        request.Perform(reply, "HTTP return code: %ld. List volume failed");
         const int parsed = ParseVolumeList(reply, volumeRecords);
         if (parsed == KStatusSuccess) {
             LogDetail("Successfully obtained volume list");
@@ -28,15 +27,14 @@ int KConnection::GetVolumesList(std::list<KVolumeRecord>* volumeRecords) {
 
 int KConnection::GetSnapshotsList(const std::string& cgName, std::list<KSnapshotRecord>* snapshotRecords) {
     LogTrace("Entering KConnection::GetSnapshotsList");
-    std::string reply;
-    KRequest request(reply);
-    const int status = request.Run([&] {
+    const int status = LogAndRethrow([&] {
         RequireArgument(!cgName.empty() && snapshotRecords != nullptr,
                         "KConnection::GetSnapshotsList - Invalid input argument");
         const KRequestText path("/api/consistency_groups/%s/snapshots", cgName);
         LogDetail("URL: %s", path.Text());
-        Get(request, path.Text());
-        request.RequireOK("HTTP return code: %ld. List snapshot failed");
+        std::string reply;
+        const KRequest request = Prepare(path.Text());
+        request.Perform(reply, "HTTP return code: %ld. List snapshot failed");
         const int parsed = ParseSnapshotList(reply, snapshotRecords);
         if (parsed == KStatusSuccess) {
             LogDetail("Successfully obtained snapshot list");
@@ -63,10 +61,9 @@ int KConnection::ListServers(std::string& reply) {
 }
 
 int KConnection::FetchListing(const char* path, KPartialFormat<long> failureText, std::string& reply) {
-    KRequest request(reply);
-    return request.Run([&]() -> int {
-        Get(request, path);
-        request.RequireOK(failureText);
+    return LogAndRethrow([&]() -> int {
+        const KRequest request = Prepare(path);
+        request.Perform(reply, failureText);
         return KStatusSuccess;
     });
 }
@@ -75,24 +72,22 @@ int KConnection::FetchListing(const char* path, KPartialFormat<long> failureText
 int KConnection::GetVolumeInfoByDispName(const std::string& volDispName, std::string& volID, std::string& volName,
                                          std::string& cgName) {
     LogTrace("Entering KConnection::GetVolumeInfoByDispName for volume %s", volDispName);
-    const auto fetchAndRead = [&] {
+    const int status = LogAndRethrow([&] {
         std::string reply;
         const int fetched = ListVolumes(reply);
         return fetched == KStatusSuccess ? ParseVolumeXMLByName(reply, volDispName, volID, volName, cgName) : fetched;
-    };
-    const int status = LogAndRethrow(fetchAndRead, [] {});
+    });
     LogTrace("Exiting KConnection::GetVolumeInfoByDispName with return code %d", status);
     return status;
 }
 
 int KConnection::GetServerInfoByIQN(const std::string& hostIQN, std::string& serverID, std::string& iscsiIP) {
     LogTrace("Entering KConnection::GetServerInfoByIQN for host iqn %s", hostIQN);
-    const auto fetchAndRead = [&] {
+    const int status = LogAndRethrow([&] {
         std::string reply;
         const int fetched = ListServers(reply);
         return fetched == KStatusSuccess ? ParseServerXMLByIQN(reply, hostIQN, serverID, iscsiIP) : fetched;
-    };
-    const int status = LogAndRethrow(fetchAndRead, [] {});
+    });
     LogTrace("Exiting KConnection::GetServerInfoByIQN with return code %d", status);
     return status;
 }
@@ -112,21 +107,20 @@ int KConnection::ValidateArray(const std::string& arrayIP, const std::string& ac
 // The drive listing needs no connection and so no InitializeCurl; it has its own levels for the lines it shares.
 int KConnection::ListDrives(const std::string& arrayIP, const std::string& accessKey) {
     LogTrace("Entering KConnection::ListDrives");
-    std::string reply;
-    KRequest request(reply);
-    const int status = request.Run([&] {
+    const int status = LogAndRethrow([&] {
         const KRequestText url(KUrlFormat, arrayIP, "/api/drives");
         LogEvent("URL: %s", url.Text());
-        request.handle = curl_easy_init();
-        if (request.handle != nullptr) {
-            KRequest::SetFrameOptions(request.handle, url.Text());
+        CURL* const handle = curl_easy_init();
+        if (handle != nullptr) {
+            KRequest::SetFrameOptions(handle, url.Text());
         }
         const KRequestText header(KAccessKeyHeaderFormat, accessKey);
         LogDetail("%s", header.Text());  // Kept: keys-in-the-log.
-        request.headers = curl_slist_append(nullptr, header.Text());
-        curl_easy_setopt(request.handle, CURLOPT_HTTPHEADER, request.headers);
-        request.Perform();
-        request.RequireOK("List drives failed");
+        curl_slist* const headers = curl_slist_append(nullptr, header.Text());
+        curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers);
+        std::string reply;
+        const KRequest request(handle, headers);
+        request.Perform(reply, "List drives failed");
         return ParseDriveList(reply);
     });
     LogTrace("Exiting KConnection::ListDrives with return code %d", status);

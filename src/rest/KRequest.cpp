@@ -31,36 +31,23 @@ std::size_t KRequest::WriteReply(char* data, std::size_t size, std::size_t count
 }
 
 void KRequest::SetCommand(const char* method, const std::string* body) const {
-    curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, method);
+    curl_easy_setopt(handle.get(), CURLOPT_CUSTOMREQUEST, method);
     if (body != nullptr) {
-        curl_easy_setopt(handle, CURLOPT_POSTFIELDS, body->c_str());
-        curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE, static_cast<long>(body->size()));
+        curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDS, body->c_str());
+        curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body->size()));
     }
 }
 
-void KRequest::Perform() {
-    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &reply);
-    if (curl_easy_perform(handle) != CURLE_OK) {
+void KRequest::Perform(std::string& reply, KPartialFormat<long> failureText) const {
+    curl_easy_setopt(handle.get(), CURLOPT_WRITEDATA, &reply);
+    if (curl_easy_perform(handle.get()) != CURLE_OK) {
         throw KException("Failed to perform curl action");
     }
-    curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &code);
+    long code = 0;
+    curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &code);
     LogDetail("HTTP Return Code :%ld", code);
-}
-
-void KRequest::RequireOK(KPartialFormat<long> failureText) const {
     if (code != 200) {
         throw KException(KErrorText(failureText, code).Text());
-    }
-}
-
-void KRequest::Release() noexcept {
-    if (headers != nullptr) {
-        curl_slist_free_all(headers);
-        headers = nullptr;
-    }
-    if (handle != nullptr) {
-        curl_easy_cleanup(handle);
-        handle = nullptr;
     }
 }
 

@@ -2,35 +2,21 @@
 
 #include <curl/curl.h>
 
+#include <cstddef>
+#include <memory>
 #include <string>
 
-#include "foundation/KErrorHandling.h"
 #include "foundation/KFormat.h"
 
 namespace Korvel {
 
-/// One exchange with an array: the libcurl handle, the header list and the response code, of which nothing outlives it.
-/// The reply's body goes into a text of the caller's.
+/// One exchange with an array: the libcurl handle and the header list, of which nothing outlives it.
 class KRequest {
 public:
-    /// @param replyText gathers the reply's body; not owned
-    explicit KRequest(std::string& replyText) : reply(replyText) {}
-    ~KRequest() { Release(); }
-    KRequest(const KRequest&) = delete;
-    KRequest& operator=(const KRequest&) = delete;
-
-    /// Runs the protected steps of a request and releases handle and headers after them, or, when an exception leaves
-    /// the steps, before it is logged.
-    /// @return what the steps return
-    template <typename Steps>
-    int Run(Steps steps) {
-        const auto stepsAndRelease = [&]() -> int {
-            const int status = steps();
-            Release();
-            return status;
-        };
-        return LogAndRethrow(stepsAndRelease, [&] { Release(); });
-    }
+    /// Takes over what was prepared for the exchange.
+    /// @param preparedHandle null when libcurl has none: the request then fails when it is performed
+    /// @param preparedHeaders the list that the handle was given
+    KRequest(CURL* preparedHandle, curl_slist* preparedHeaders) : handle(preparedHandle), headers(preparedHeaders) {}
 
     /// Sets what every request has: the URL, redirects followed, the certificate not verified, the write callback.
     static void SetFrameOptions(CURL* handle, const char* url);
@@ -46,24 +32,23 @@ public:
     void SetCommand(const char* method, const std::string* body) const;
 
     /// Sends the request, waits for its end and logs the response code.
-    /// @throws KException when the exchange fails, also when there is no handle
-    void Perform();
-
-    /// @throws KException when the response code is not 200
-    void RequireOK(KPartialFormat<long> failureText) const;
-
-    /// @return the reply's body so far
-    const std::string& Reply() const { return reply; }
-
-    /// Frees the header list and cleans up the handle, once.
-    void Release() noexcept;
-
-    CURL* handle = nullptr;
-    curl_slist* headers = nullptr;
+    /// @param reply the reply's body is appended
+    /// @param failureText what a response code other than 200 is reported as
+    /// @throws KException when the exchange fails, also when there is no handle, or the code is not 200
+    void Perform(std::string& reply, KPartialFormat<long> failureText) const;
 
 private:
-    std::string& reply;
-    long code = 0;
+    template <auto Function>
+    struct Deleter {
+        template <typename Handle>
+        void operator()(Handle* owned) const noexcept {
+            Function(owned);
+        }
+    };
+
+    // Destroyed in reverse: the list before the handle that was given it.
+    std::unique_ptr<CURL, Deleter<curl_easy_cleanup>> handle;
+    std::unique_ptr<curl_slist, Deleter<curl_slist_free_all>> headers;
 };
 
 }  // namespace Korvel

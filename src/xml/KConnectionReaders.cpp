@@ -30,24 +30,22 @@ constexpr KReader snapshotList{"//snapshots/snapshot", "No snapshots found in th
 constexpr KReader driveList{"//show-disks-response/status", "No response for disk list received", KStatusFailure, true,
                             "Exiting KConnection::ParseDriveList with return code %d"};
 
-/// The reply frame: reads the reply, hands its document to `walk` when the expression selects something, frees and
-/// writes the exit line.
+/// The reply frame: reads the reply, hands its document to `walk` when the expression selects something, and writes
+/// the exit line.
 /// @return the status of `walk`, or the reader's status for an empty result
 template <typename Walk>
 int ReadReply(const std::string& reply, const KReader& reader, Walk walk) {
-    KReplyDocument document;
     bool empty = false;
-    const auto read = [&]() -> int {
+    const int status = LogAndRethrow([&]() -> int {
+        KReplyDocument document;
         document.Read(reply, reader.expression);
         empty = document.Nodes().empty();
         if (empty) {
             LogEvent("%s", reader.emptyLine);
+            return reader.emptyStatus;
         }
-        const int status = empty ? reader.emptyStatus : walk(std::as_const(document));
-        document.Free();
-        return status;
-    };
-    const int status = LogAndRethrow(read, [&] { document.LeaveAfterFailure(); });
+        return walk(std::as_const(document));
+    });
     if (!empty || reader.exitLineWhenEmpty) {
         LogTrace(reader.exitLine, status);
     }

@@ -56,14 +56,14 @@ void KReplyDocument::ReadText(const xmlNode* element, std::string& text) const {
     }
 }
 
-void KReplyDocument::Free() noexcept {
-    context.reset();
-    result.reset();
-    document.reset();
+KReplyDocument::~KReplyDocument() {
+    if (std::uncaught_exceptions() > exceptionsBefore) {
+        LeaveBehind();
+    }
 }
 
-void KReplyDocument::LeaveAfterFailure() noexcept {
-    context.reset();
+/// Kept: documents-left-behind. A failed reading frees its context alone.
+void KReplyDocument::LeaveBehind() noexcept {
     static_cast<void>(result.release());
     static_cast<void>(document.release());
 }

@@ -4,6 +4,7 @@
 #include <libxml/xpath.h>
 
 #include <cstddef>
+#include <exception>
 #include <memory>
 #include <span>
 #include <string>
@@ -11,14 +12,20 @@
 namespace Korvel {
 
 /// An XML reply that was read, and the nodes that one XPath expression selects in it.
+///
+/// Its end frees all, save when an exception ends it: then document and result stay behind.
 class KReplyDocument {
 public:
     KReplyDocument() = default;
+    ~KReplyDocument();
+    KReplyDocument(const KReplyDocument&) = delete;
+    KReplyDocument& operator=(const KReplyDocument&) = delete;
 
     /// Reads the reply and evaluates the expression.
     /// @param reply the reply's whole body; read where it lies
     /// @param expression the XPath expression, zero-terminated
     /// @throws KException when the reply is not well-formed or too long, or the expression cannot be evaluated
+    /// @throws std::bad_alloc when libxml2 had no memory to read it whole
     void Read(const std::string& reply, const char* expression);
 
     /// @return the selected nodes in document order; empty when there are none
@@ -28,13 +35,9 @@ public:
     /// @param text receives it; unchanged when the element holds none
     void ReadText(const xmlNode* element, std::string& text) const;
 
-    /// Frees all at the normal end: the context, the result, the document.
-    void Free() noexcept;
-
-    /// Frees the context after a failure and leaves the result and the document behind. Kept: documents-left-behind.
-    void LeaveAfterFailure() noexcept;
-
 private:
+    void LeaveBehind() noexcept;
+
     template <auto Function>
     struct Deleter {
         template <typename Handle>
@@ -43,7 +46,8 @@ private:
         }
     };
 
-    // Destroyed in reverse, which is the order of Free.
+    const int exceptionsBefore = std::uncaught_exceptions();
+    // Destroyed in reverse: the context, the result, the document.
     std::unique_ptr<xmlDoc, Deleter<xmlFreeDoc>> document;
     std::unique_ptr<xmlXPathObject, Deleter<xmlXPathFreeObject>> result;
     std::unique_ptr<xmlXPathContext, Deleter<xmlXPathFreeContext>> context;
