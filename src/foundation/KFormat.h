@@ -8,6 +8,11 @@ namespace Korvel {
 
 /// A printf format that the compiler has checked against the arguments it is used with.
 ///
+///     void Report(KFormat<std::string, int> format, const std::string& name, int status);
+///     Report("%s ended with %d", name, status);  // compiles
+///     Report("%s ended with %s", name, status);  // does not: %s does not fit an int
+///     Report("%s ended", name, status);          // does not: the status is not shown (KPartialFormat allows it)
+///
 /// Only a literal can become one, so no text from outside is ever a format. The conversions are those that the library
 /// needs: %s for texts, %d for int, %ld for long. This one need not show every argument, as in a table some of whose
 /// rows have nothing to fill in; printf ignores those that are left.

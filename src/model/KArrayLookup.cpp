@@ -6,6 +6,7 @@
 
 #include "foundation/KErrorHandling.h"
 #include "foundation/KLog.h"
+#include "foundation/KText.h"
 #include "model/KOwnedList.h"
 #include "model/KSnapshot.h"
 #include "model/KorvelAccessLibrary.h"
@@ -78,11 +79,7 @@ void AddFoundSnapshot(KVolume* volume, const std::string& snapID) {
 int KArray::GetVolumeByID(const std::string& volID, KVolume*& volume) {
     LogTrace("Entering KArray::GetVolumeByID() with input param volID: %s", volID);
     RequireArgument(!volID.empty(), "KArray::GetVolumeByID - Invalid input parameter");
-    const int status = FindKnownVolume(volumeList, volume, [&](KVolume& known) {
-        std::string* ownID = nullptr;
-        known.GetVolumeID(ownID);
-        return *ownID == volID;
-    });
+    const int status = FindKnownVolume(volumeList, volume, [&](KVolume& known) { return *known.volumeID == volID; });
     LogTrace("Exiting KArray::GetVolumeByID() with return code %d", status);
     return status;
 }
@@ -90,11 +87,8 @@ int KArray::GetVolumeByID(const std::string& volID, KVolume*& volume) {
 int KArray::GetVolumeByDispName(const std::string& volDispName, KVolume*& volume) {
     LogTrace("Entering KArray::GetVolumeByDispName() with input param volDispName: %s", volDispName);
     RequireArgument(!volDispName.empty(), "KArray::GetVolumeByDispName - Invalid input parameter");
-    std::string knownName;
-    const int status = FindKnownVolume(volumeList, volume, [&](KVolume& known) {
-        known.GetVolumeDispName(knownName);
-        return knownName == volDispName;
-    });
+    const int status = FindKnownVolume(volumeList, volume,
+                                       [&](KVolume& known) { return UpToZero(*known.volumeDispName) == volDispName; });
     LogTrace("Exiting KArray::GetVolumeByDispName() with return code %d", status);
     return status;
 }

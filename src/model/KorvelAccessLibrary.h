@@ -293,6 +293,8 @@ public:
     int DeleteSnapshot(std::string& snapID);
 
 private:
+    friend class KArray;  // its searches compare where the texts lie
+
     std::string* volumeID;
     std::string* volumeName;
     std::string* volumeDispName;

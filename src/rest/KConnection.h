@@ -7,8 +7,8 @@
 #include <string>
 
 #include "foundation/KFormat.h"
-#include "rest/KCommand.h"
 #include "xml/CommandResponse.h"
+#include "xml/KCommandAction.h"
 #include "xml/KSnapshotRecord.h"
 #include "xml/KVolumeRecord.h"
 

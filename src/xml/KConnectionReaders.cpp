@@ -2,8 +2,8 @@
 
 #include "foundation/KErrorHandling.h"
 #include "foundation/KLog.h"
-#include "rest/KCommand.h"
 #include "rest/KConnection.h"
+#include "xml/KCommandAction.h"
 #include "xml/KReplyDocument.h"
 
 namespace Korvel {
@@ -56,6 +56,22 @@ int ReadReply(const std::string& reply, const KReader& reader, Walk walk) {
 void ReadResponseField(const KReplyDocument& document, const xmlNode* element, std::string& field) {
     document.ReadText(element, field);
     LogDetail("%s: %s", reinterpret_cast<const char*>(element->name), field);
+}
+
+/// @return the element that a command's reply is asked for besides its status; null when there is none, and for a
+/// number
+///         that is no command
+const char* NameElementOf(int action) {
+    switch (action) {
+        case KCommandCreateServer:
+            return "server-name";
+        case KCommandDeleteVolume:
+            return "snapshot-name";  // Kept: mismatched-replies. Nobody takes it, nor the rollback's.
+        case KCommandResyncVolume:
+            return "cg-name";
+        default:
+            return nullptr;
+    }
 }
 
 void AppendSnapshotNames(const KReplyDocument& document, const xmlNode* snapshots, std::list<std::string>& names) {

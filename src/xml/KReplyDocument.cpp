@@ -1,8 +1,10 @@
 #include "xml/KReplyDocument.h"
 
 #include <libxml/parser.h>
+#include <libxml/xmlerror.h>
 
 #include <limits>
+#include <new>
 
 #include "foundation/KException.h"
 
@@ -14,6 +16,14 @@ const xmlChar* XmlText(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
+/// libxml2 goes on without memory: it hands out a document, a result or a text that lacks what did not fit, and only
+/// its last error tells. Such a reading is a failure, never a shorter reply.
+void RequireMemory(const xmlError* error) {
+    if (error != nullptr && error->code == XML_ERR_NO_MEMORY) {
+        throw std::bad_alloc();
+    }
+}
+
 struct XmlTextDeleter {
     void operator()(xmlChar* text) const noexcept { xmlFree(text); }
 };
@@ -21,6 +31,7 @@ struct XmlTextDeleter {
 }  // namespace
 
 void KReplyDocument::Read(const std::string& reply, const char* expression) {
+    xmlResetLastError();  // so that what libxml2 says of a lack of memory is said of this reply
     // The reader counts in int: a longer reply is refused, not wrapped.
     if (reply.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         document.reset(xmlReadMemory(reply.data(), static_cast<int>(reply.size()), "noname.xml", nullptr, 0));
@@ -28,6 +39,7 @@ void KReplyDocument::Read(const std::string& reply, const char* expression) {
     if (!document) {
         throw KException("Failed to open the xml document");
     }
+    RequireMemory(xmlGetLastError());
     context.reset(xmlXPathNewContext(document.get()));
     if (!context) {
         throw KException("Failed to create xml path context");
@@ -36,6 +48,8 @@ void KReplyDocument::Read(const std::string& reply, const char* expression) {
     if (!result) {
         throw KException("Failed to evaluate xPath expression");
     }
+    RequireMemory(&context->lastError);
+    RequireMemory(xmlGetLastError());
 }
 
 std::span<const xmlNodePtr> KReplyDocument::Nodes() const {
@@ -51,6 +65,7 @@ void KReplyDocument::ReadText(const xmlNode* element, std::string& text) const {
         return;
     }
     const std::unique_ptr<xmlChar, XmlTextDeleter> content(xmlNodeListGetString(document.get(), element->children, 1));
+    RequireMemory(xmlGetLastError());
     if (content) {
         text = reinterpret_cast<const char*>(content.get());
     }

@@ -56,12 +56,13 @@ std::string ReadBytes(const std::string& path) {
 
 /// Finds what the converter lets pass although it is no character: a number above 0x10ffff.
 std::size_t FindPastLastCharacter(std::string_view text) {
-    const auto pastLast = [](char first, char second) {
-        const auto lead = static_cast<unsigned char>(first);
-        return lead > 0xf4 || (lead == 0xf4 && static_cast<unsigned char>(second) > 0x8f);
-    };
-    const auto* const found = std::adjacent_find(text.begin(), text.end(), pastLast);
-    return found == text.end() ? std::string_view::npos : static_cast<std::size_t>(found - text.begin());
+    for (std::size_t at = 0; at + 1 < text.size(); ++at) {  // such a lead byte is never the last
+        const auto lead = static_cast<unsigned char>(text[at]);
+        if (lead > 0xf4 || (lead == 0xf4 && static_cast<unsigned char>(text[at + 1]) > 0x8f)) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
 }
 
 std::size_t LastLine(std::string_view text) {
