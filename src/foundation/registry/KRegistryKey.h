@@ -6,8 +6,8 @@ namespace Korvel {
 
 /// One open key below HKEY_LOCAL_MACHINE, read only: the five registry operations that the library needs.
 ///
-/// KRegistryKeyWindows.cpp calls the registry itself; KRegistryKeyStandIn.cpp reads the same hierarchy from a file in the
-/// registry editor's export format. Both have the same limits: what does not fit is an error, never cut.
+/// KRegistryKeyWindows.cpp calls the registry itself; KRegistryKeyStandIn.cpp reads the same hierarchy from a file in
+/// the registry editor's export format. Both have the same limits: what does not fit is an error, never cut.
 class KRegistryKey {
 public:
     /// What a key is opened for; the values are the registry's access rights.
