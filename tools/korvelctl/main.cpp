@@ -1,31 +1,20 @@
+#include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
 
-#include "CommandLine.h"
-#include "KFailure.h"
-#include "System.h"
+#include "commands/CommandLine.h"
+#include "commands/CommandTable.h"
+#include "library/Operation.h"
+#include "outcome/Failure.h"
+#include "outcome/JsonWriter.h"
+#include "outcome/Report.h"
+#include "outcome/TableWriter.h"
+#include "terminal/System.h"
+#include "text/Printable.h"
 
 namespace Korvel::Ctl {
 namespace {
-
-void AddProgramOptions(CLI::App& program, CommandLine& line) {
-    program.set_version_flag("--version", "korvelctl " KORVELCTL_VERSION);
-    program.set_help_flag("--help,-h", "Show this help");
-    program.add_flag("--json", line.asJson, "Write a JSON list instead of a table");
-    program.add_option("--log", line.logFile, "Write the library's log records to a file instead of stderr")
-        ->type_name("FILE");
-    program
-        .add_option("--log-level", line.logLevel,
-                    "Write log records up to this level: 0 errors, 2 events, 3 tracing, 4 all")
-        ->check(CLI::Range(0, 4))
-        ->type_name("N");
-    program.footer(
-        "Exit status: 0 done, 1 failed, 2 not found, 64 wrong usage.\n"
-        "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
-    program.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return "korvelctl: " + std::string(error.what()) + "\n'korvelctl --help' lists the commands.\n";
-    });
-}
 
 /// The logging library reads its settings from the environment, when the first record is written.
 void SetLogging(const CommandLine& line) {
@@ -37,36 +26,44 @@ void SetLogging(const CommandLine& line) {
     }
 }
 
-int Show(const KReport& report, bool asJson) {
-    report.Print(std::cout, asJson);
-    if (!std::cout.flush()) {
-        throw KFailure(ExitFailed, "the result could not be written");
+std::unique_ptr<RowWriter> MakeWriter(const CommandLine& line) {
+    if (line.asJson) {
+        return std::make_unique<JsonWriter>(std::cout);
     }
-    for (const std::string& problem : report.Problems()) {
-        std::cerr << "korvelctl: " << Printable(problem) << '\n';
+    return std::make_unique<TableWriter>(std::cout);
+}
+
+/// Carries the command out; what ends it is one more problem of the report.
+void Carry(const CommandLine& line, Report& report) {
+    try {
+        line.action(report);
+    } catch (const Failure& failure) {
+        report.AddProblem(failure);
+    } catch (const std::exception& error) {
+        report.AddProblem({Explain(error)});
     }
-    return report.Status();
 }
 
 int Run(int argc, char** argv) {
     CommandLine line;
-    CLI::App program("Shows and uses the storage arrays that this host is configured for.", "korvelctl");
-    program.allow_windows_style_options(false);  // a name may begin with '/'
-    program.fallthrough();
-    program.require_subcommand(1);
-    AddProgramOptions(program, line);
-    AddArrayCommands(program, line);
-    AddVolumeCommands(program, line);
-    AddSnapshotCommands(program, line);
-    AddServerCommands(program, line);
-    AddConfigCommands(program, line);
+    CLI::App program;
+    DeclareCommands(program, line);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? ExitDone : ExitWrongUsage;
     }
     SetLogging(line);
-    return Show(line.action(), line.asJson);
+    Report report(MakeWriter(line));
+    Carry(line, report);
+    report.Finish();
+    if (!std::cout.flush()) {
+        report.AddProblem({"the result could not be written"});
+    }
+    for (const Problem& problem : report.Problems()) {
+        std::cerr << "korvelctl: " << Printable(problem.text) << '\n';
+    }
+    return report.Status();
 }
 
 }  // namespace
@@ -75,11 +72,8 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Korvel::Ctl::Run(argc, argv);
-    } catch (const Korvel::Ctl::KFailure& failure) {
-        std::cerr << "korvelctl: " << Korvel::Ctl::Printable(failure.what()) << '\n';
-        return failure.Status();
     } catch (const std::exception& error) {
-        std::cerr << "korvelctl: " << Korvel::Ctl::Printable(Korvel::Ctl::Explain(error)) << '\n';
+        std::cerr << "korvelctl: " << Korvel::Ctl::Printable(error.what()) << '\n';
         return Korvel::Ctl::ExitFailed;
     }
 }

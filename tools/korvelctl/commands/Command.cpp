@@ -1,0 +1,23 @@
+#include "commands/Command.h"
+
+namespace Korvel::Ctl {
+
+void AddTargetOptions(CLI::App& command, Target& target) {
+    command.add_option("--array", target.addresses, "Ask only this configured array; may be given more than once")
+        ->type_name("ADDRESS")
+        ->allow_extra_args(false);
+    AddKeyOptions(command, target.key);
+}
+
+void AddKeyOptions(CLI::App& command, KeySource& key) {
+    CLI::Option* file = command.add_option("--key-file", key.file, "Read the access key from a file, not the registry")
+                            ->type_name("FILE");
+    command.add_flag("--key-stdin", key.standardInput, "Read the access key from standard input, not the registry")
+        ->excludes(file);
+}
+
+void AddYesOption(CLI::App& command, bool& yes) {
+    command.add_flag("--yes", yes, "Do not ask; needed when there is no terminal");
+}
+
+}  // namespace Korvel::Ctl

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "outcome/Report.h"
+
+namespace Korvel::Ctl {
+
+/// What the command line asks for: the options every command has, and the command.
+struct CommandLine {
+    bool asJson = false;
+    std::string logFile;
+    std::string logLevel;
+    std::function<void(Report&)> action;  ///< carries the command out and fills the report
+};
+
+}  // namespace Korvel::Ctl

@@ -1,0 +1,64 @@
+#include "commands/CommandTable.h"
+
+#include <string>
+#include <vector>
+
+namespace Korvel::Ctl {
+namespace {
+
+/// A family of commands, of which one is to be given.
+struct Family {
+    const char* name;
+    const char* description;
+    std::vector<void (*)(CLI::App&, CommandLine&)> commands;
+};
+
+/// In the order in which help shows them.
+const Family Families[] = {
+    {"array", "The configured arrays", {AddArrayList, AddArrayValidate}},
+    {"volume",
+     "The volumes of the arrays",
+     {AddVolumeFind, AddVolumeClone, AddVolumeAttach, AddVolumeDetach, AddVolumeDelete, AddVolumeRollback}},
+    {"snapshot", "Snapshots of volumes", {AddSnapshotCreate, AddSnapshotDelete}},
+    {"server", "The hosts an array knows", {AddServerFind}},
+    {"config", "The arrays' configuration", {AddConfigCheck}},
+};
+
+void AddProgramOptions(CLI::App& program, CommandLine& line) {
+    program.set_version_flag("--version", "korvelctl " KORVELCTL_VERSION);
+    program.set_help_flag("--help,-h", "Show this help");
+    program.add_flag("--json", line.asJson, "Write a JSON list instead of a table");
+    program.add_option("--log", line.logFile, "Write the library's log records to a file instead of stderr")
+        ->type_name("FILE");
+    program
+        .add_option("--log-level", line.logLevel,
+                    "Write log records up to this level: 0 errors, 2 events, 3 tracing, 4 all")
+        ->check(CLI::Range(0, 4))
+        ->type_name("N");
+    program.footer(
+        "Exit status: 0 done, 1 failed, 2 not found, 64 wrong usage.\n"
+        "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
+    program.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return "korvelctl: " + std::string(error.what()) + "\n'korvelctl --help' lists the commands.\n";
+    });
+}
+
+}  // namespace
+
+void DeclareCommands(CLI::App& program, CommandLine& line) {
+    program.name("korvelctl");
+    program.description("Shows and uses the storage arrays that this host is configured for.");
+    program.allow_windows_style_options(false);  // a name may begin with '/'
+    program.fallthrough();
+    program.require_subcommand(1);
+    AddProgramOptions(program, line);
+    for (const Family& row : Families) {
+        CLI::App* family = program.add_subcommand(row.name, row.description);
+        family->require_subcommand(1);
+        for (const auto addTo : row.commands) {
+            addTo(*family, line);
+        }
+    }
+}
+
+}  // namespace Korvel::Ctl

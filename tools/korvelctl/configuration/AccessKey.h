@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace Korvel::Ctl {
+
+/// Where an access key comes from when it is not the registry. There is no option that takes the key itself: every
+/// user of a machine can read the arguments of its processes.
+struct KeySource {
+    std::string file;
+    bool standardInput = false;
+
+    /// @return whether a source was named
+    bool IsGiven() const { return standardInput || !file.empty(); }
+};
+
+/// Reads the access key: the first line of the file or of standard input, which on a terminal is asked for.
+/// @throws Failure when there is none or it cannot be sent
+std::string ReadAccessKey(const KeySource& source);
+
+}  // namespace Korvel::Ctl

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "outcome/RowWriter.h"
+
+namespace Korvel::Ctl {
+
+/// A JSON list for scripts: one object for each row, its members named by the columns' keys.
+class JsonWriter : public RowWriter {
+public:
+    /// @param stream where the list goes; has to outlive the writer
+    explicit JsonWriter(std::ostream& stream) : output(stream) {}
+
+    void Begin(const std::vector<Column>& columns, const std::string& sentence,
+               const std::vector<std::vector<std::string>>& firstRows) override;
+    void Row(const std::vector<std::string>& cells) override;
+    void End(const std::vector<Problem>& problems, ExitStatus status) override;
+
+private:
+    std::ostream& output;
+    std::vector<std::string> keys;
+    bool first = true;
+};
+
+}  // namespace Korvel::Ctl
