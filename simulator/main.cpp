@@ -8,9 +8,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "KControlServer.h"
-#include "KOptions.h"
-#include "KSimulator.h"
+#include "Options.h"
+#include "Simulator.h"
+#include "control/ControlServer.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ void WriteRegFile(const std::string& path, const std::string& text) {
     }
 }
 
-void Announce(const Korvel::KSimulator& simulator, const Korvel::KControlServer& control) {
+void Announce(const Korvel::Sim::Simulator& simulator, const Korvel::Sim::ControlServer& control) {
     std::cout << "ready control=" << control.Address();
     for (const auto& array : simulator.Arrays()) {
         std::cout << " array=" << array->Address() << " key=" << array->Key();
@@ -45,10 +45,10 @@ void Announce(const Korvel::KSimulator& simulator, const Korvel::KControlServer&
     std::cout << "\n" << simulator.RegistryText() << "; end of registry entries" << std::endl;
 }
 
-void Run(const Korvel::KOptions& options) {
+void Run(const Korvel::Sim::Options& options) {
     const sigset_t signals = BlockEndSignals();
-    Korvel::KSimulator simulator(options);
-    Korvel::KControlServer control(simulator, [] { kill(getpid(), SIGTERM); });
+    Korvel::Sim::Simulator simulator(options);
+    Korvel::Sim::ControlServer control(simulator, [] { kill(getpid(), SIGTERM); });
     control.Start(options.address, options.controlPort);
     if (!options.regFile.empty()) {
         WriteRegFile(options.regFile, simulator.RegistryText());
@@ -63,7 +63,7 @@ void Run(const Korvel::KOptions& options) {
 int main(int argc, char** argv) {
     int exitCode = 0;
     try {
-        if (const auto options = Korvel::KOptions::Parse(argc, argv, exitCode)) {
+        if (const auto options = Korvel::Sim::Options::Parse(argc, argv, exitCode)) {
             xmlInitParser();
             Run(*options);
             xmlCleanupParser();

@@ -1,0 +1,123 @@
+#include "control/ControlServer.h"
+
+#include <charconv>
+#include <stdexcept>
+
+namespace Korvel::Sim {
+namespace {
+
+void Answer(httplib::Response& response, int status, const nlohmann::json& value) {
+    response.status = status;
+    response.set_content(value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n",
+                         "application/json");
+}
+
+template <typename Run>
+void Guarded(httplib::Response& response, Run run) {
+    try {
+        Answer(response, 200, run());
+    } catch (const std::out_of_range& error) {
+        Answer(response, 404, {{"error", error.what()}});
+    } catch (const std::exception& error) {
+        Answer(response, 400, {{"error", error.what()}});
+    }
+}
+
+std::uint64_t Number(const std::string& text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        throw std::invalid_argument("not a number: " + text);
+    }
+    return number;
+}
+
+}  // namespace
+
+ControlServer::ControlServer(Simulator& controlled, const std::function<void()>& shutDown)
+    : LoopbackServer(nullptr), simulator(controlled) {
+    AddArrays();
+    AddFaults();
+    Get("/journal", Plain([this](const auto& request, const auto&) {
+            return simulator.WireJournal().ToJson(request.has_param("from") ? Number(request.get_param_value("from"))
+                                                                            : 0);
+        }));
+    Delete("/journal", Plain([this](const auto&, const auto&) {
+               simulator.WireJournal().Clear();
+               return nlohmann::json::object();
+           }));
+    Post("/reset", WithBody([this](const auto&, const auto&) {
+             simulator.Reset();
+             return nlohmann::json::object();
+         }));
+    Post("/shutdown", WithBody([shutDown](const auto&, const auto&) {
+             shutDown();
+             return nlohmann::json::object();
+         }));
+    set_error_handler([](const httplib::Request&, httplib::Response& response) {
+        if (response.body.empty()) {
+            Answer(response, response.status, {{"error", "there is nothing of this method and path"}});
+        }
+    });
+}
+
+ControlServer::~ControlServer() {
+    Stop();
+}
+
+void ControlServer::AddArrays() {
+    Get("/arrays", Plain([this](const auto&, const auto&) {
+            nlohmann::json all = nlohmann::json::array();
+            for (const auto& array : simulator.Arrays()) {
+                all.push_back({{"address", array->Address()}, {"key", array->Key()}});
+            }
+            return all;
+        }));
+    Get(R"(/arrays/(\d+)/state)",
+        Plain([this](const auto& request, const auto&) { return StateOf(request).Held().ToJson(); }));
+    Put(R"(/arrays/(\d+)/state)", WithBody([this](const auto& request, const auto& body) {
+            StateOf(request).SetInventory(Inventory::FromJson(body));
+            return nlohmann::json::object();
+        }));
+}
+
+void ControlServer::AddFaults() {
+    Get("/faults", Plain([this](const auto&, const auto&) { return simulator.ArmedFaults().ToJson(); }));
+    Post("/faults", WithBody([this](const auto&, const auto& body) {
+             Fault fault = Fault::FromJson(body);
+             if (fault.array && *fault.array >= simulator.Arrays().size()) {
+                 throw std::invalid_argument("there is no array " + std::to_string(*fault.array));
+             }
+             return nlohmann::json{{"id", simulator.ArmedFaults().Arm(std::move(fault))}};
+         }));
+    Delete("/faults", Plain([this](const auto&, const auto&) {
+               simulator.ArmedFaults().Clear();
+               return nlohmann::json::object();
+           }));
+}
+
+ArrayState& ControlServer::StateOf(const httplib::Request& request) const {
+    const std::uint64_t number = Number(request.matches[1]);
+    if (number >= simulator.Arrays().size()) {
+        throw std::out_of_range("there is no array " + std::to_string(number));
+    }
+    return simulator.Arrays()[number]->State();
+}
+
+httplib::Server::Handler ControlServer::Plain(Action action) {
+    return [action = std::move(action)](const httplib::Request& request, httplib::Response& response) {
+        Guarded(response, [&] { return action(request, nlohmann::json()); });
+    };
+}
+
+// The body is read here: the library would take what a client calls a form for one, and refuse it when it is long.
+httplib::Server::HandlerWithContentReader ControlServer::WithBody(Action action) {
+    return [action = std::move(action)](const httplib::Request& request, httplib::Response& response,
+                                        const httplib::ContentReader& reader) {
+        const std::string body = ReadBody(request, reader);
+        Guarded(response,
+                [&] { return action(request, body.empty() ? nlohmann::json() : nlohmann::json::parse(body)); });
+    };
+}
+
+}  // namespace Korvel::Sim

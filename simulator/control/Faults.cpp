@@ -1,0 +1,42 @@
+#include "control/Faults.h"
+
+namespace Korvel::Sim {
+
+std::uint64_t Faults::Arm(Fault fault) {
+    const std::lock_guard lock(mutex);
+    fault.id = ++lastId;
+    faults.push_back(std::move(fault));
+    return lastId;
+}
+
+std::optional<Fault> Faults::Take(std::size_t array, const std::string& method, const std::string& target) {
+    const std::lock_guard lock(mutex);
+    for (Fault& fault : faults) {
+        if (fault.fired == fault.count || !fault.Matches(array, method, target)) {
+            continue;
+        }
+        if (fault.skipped < fault.skip) {
+            ++fault.skipped;
+            continue;
+        }
+        ++fault.fired;
+        return fault;
+    }
+    return std::nullopt;
+}
+
+nlohmann::json Faults::ToJson() const {
+    const std::lock_guard lock(mutex);
+    nlohmann::json all = nlohmann::json::array();
+    for (const auto& fault : faults) {
+        all.push_back(fault.ToJson());
+    }
+    return all;
+}
+
+void Faults::Clear() {
+    const std::lock_guard lock(mutex);
+    faults.clear();
+}
+
+}  // namespace Korvel::Sim

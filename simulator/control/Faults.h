@@ -1,0 +1,34 @@
+#pragma once
+
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "control/Fault.h"
+
+namespace Korvel::Sim {
+
+/// The faults that are armed, used up ones included. Safe to use from many threads.
+class Faults {
+public:
+    /// Arms a fault and returns its number.
+    std::uint64_t Arm(Fault fault);
+
+    /// Returns the fault that this request meets: the one armed first that matches and is not used up.
+    std::optional<Fault> Take(std::size_t array, const std::string& method, const std::string& target);
+
+    /// Returns all faults as JSON, in the order in which they were armed.
+    nlohmann::json ToJson() const;
+
+    /// Forgets all faults.
+    void Clear();
+
+private:
+    mutable std::mutex mutex;
+    std::vector<Fault> faults;
+    std::uint64_t lastId = 0;
+};
+
+}  // namespace Korvel::Sim

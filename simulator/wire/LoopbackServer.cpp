@@ -1,0 +1,153 @@
+#include "wire/LoopbackServer.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+namespace Korvel::Sim {
+namespace {
+
+constexpr std::chrono::seconds patience{60};  // a client may run under a debugger
+constexpr std::chrono::seconds keepAlive{5};
+constexpr std::size_t requestsPerConnection = 1000;
+
+}  // namespace
+
+// A connection that Stop can reach: it is closed only after it has left the set, so no number of a closed socket that
+// the system has given to another one is ever shut down.
+class LoopbackServer::OpenSocket {
+public:
+    OpenSocket(LoopbackServer& owner, socket_t sock) : server(owner), descriptor(sock) {
+        const std::lock_guard lock(server.mutex);
+        server.open.insert(descriptor);
+    }
+
+    ~OpenSocket() {
+        const std::lock_guard lock(server.mutex);
+        server.open.erase(descriptor);
+        close(descriptor);
+    }
+
+    OpenSocket(const OpenSocket&) = delete;
+    OpenSocket& operator=(const OpenSocket&) = delete;
+
+private:
+    LoopbackServer& server;
+    socket_t descriptor;
+};
+
+LoopbackServer::LoopbackServer(SSL_CTX* tls) : tlsContext(tls) {
+    set_address_family(AF_INET);
+    set_tcp_nodelay(true);
+    set_read_timeout(patience);
+    set_write_timeout(patience);
+    // The library's own default would let two processes share one port.
+    set_socket_options([](socket_t sock) {
+        const int yes = 1;
+        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+}
+
+LoopbackServer::~LoopbackServer() {
+    Stop();
+}
+
+void LoopbackServer::Start(const std::string& address, int port) {
+    if (port == 0) {
+        port = bind_to_any_port(address);
+    } else if (!bind_to_port(address, port)) {
+        port = -1;
+    }
+    if (port < 0) {
+        throw std::runtime_error("cannot listen on " + address + ": the address or port is not free");
+    }
+    // The library asks for a queue of five, too few for many clients at once.
+    ::listen(svr_sock_, SOMAXCONN);
+    ReadFirstRequest();
+    boundAddress = address + ":" + std::to_string(port);
+    listener = std::thread([this] { listen_after_bind(); });
+    // Stopping a server that does not run yet has no effect.
+    while (!is_running()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+// The library builds a table when it reads its first request. Let that be here, where no other thread is about: a race
+// detector cannot see into the library how its threads agree on who builds it.
+void LoopbackServer::ReadFirstRequest() {
+    httplib::detail::BufferStream refused;
+    refused.httplib::Stream::write("NO / HTTP/1.1\r\n\r\n");
+    bool closes = false;
+    process_request(refused, true, closes, nullptr);
+}
+
+void LoopbackServer::Stop() {
+    if (!listener.joinable()) {
+        return;
+    }
+    {
+        const std::lock_guard lock(mutex);
+        stopping = true;
+        stopped.notify_all();
+        for (const socket_t sock : open) {
+            shutdown(sock, SHUT_RDWR);
+        }
+    }
+    stop();
+    listener.join();
+}
+
+bool LoopbackServer::Wait(std::chrono::milliseconds duration) {
+    std::unique_lock lock(mutex);
+    return !stopped.wait_for(lock, duration, [this] { return stopping; });
+}
+
+std::string LoopbackServer::ReadBody(const httplib::Request& request, const httplib::ContentReader& reader) {
+    std::string body;
+    // Without a length the library would wait for the client to close the connection.
+    if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding")) {
+        reader([&](const char* bytes, std::size_t count) {
+            body.append(bytes, count);
+            return true;
+        });
+    }
+    return body;
+}
+
+void LoopbackServer::AfterRequest(WireStream& /*stream*/) {}
+
+bool LoopbackServer::process_and_close_socket(socket_t sock) {
+    const OpenSocket registered(*this, sock);
+    WireStream stream(sock, tlsContext);
+    if (!IsStopping() && stream.Handshake()) {
+        Serve(stream);
+    }
+    return true;
+}
+
+void LoopbackServer::Serve(WireStream& stream) {
+    for (std::size_t left = requestsPerConnection; left > 0 && !IsStopping(); --left) {
+        // Once it has been answered an idle client must not keep a thread from the others.
+        if (!stream.WaitForRequest(left == requestsPerConnection ? patience : keepAlive)) {
+            return;
+        }
+        stream.BeginRequest();
+        bool clientCloses = false;
+        const bool answered = process_request(stream, left == 1, clientCloses,
+                                              [&](httplib::Request& request) { request.ssl = stream.Tls(); });
+        // A request line that the library refuses leaves the headers unread; they must not pass for a request.
+        const bool headRead = stream.FinishHead();
+        AfterRequest(stream);
+        if (!answered || clientCloses || !headRead || !stream.is_writable()) {
+            return;
+        }
+    }
+}
+
+bool LoopbackServer::IsStopping() {
+    const std::lock_guard lock(mutex);
+    return stopping;
+}
+
+}  // namespace Korvel::Sim

@@ -1,0 +1,122 @@
+#include "wire/WireStream.h"
+
+#include <arpa/inet.h>
+#include <openssl/err.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+
+namespace Korvel::Sim {
+namespace {
+
+// TLS counts in int.
+int Limited(std::size_t size) {
+    return static_cast<int>(std::min<std::size_t>(size, 1U << 20U));
+}
+
+void Describe(const sockaddr_in& address, std::string& ip, int& port) {
+    char text[INET_ADDRSTRLEN] = {};
+    ip = inet_ntop(AF_INET, &address.sin_addr, text, sizeof text) != nullptr ? text : "";
+    port = ntohs(address.sin_port);
+}
+
+}  // namespace
+
+WireStream::WireStream(socket_t socket, SSL_CTX* tls)
+    : descriptor(socket), session(tls != nullptr ? SSL_new(tls) : nullptr, SSL_free) {
+    if (session) {
+        SSL_set_app_data(session.get(), this);
+        SSL_set_fd(session.get(), descriptor);
+    }
+}
+
+WireStream::~WireStream() {
+    if (session && !dropped && !broken) {
+        SSL_shutdown(session.get());
+    }
+    // The queue of errors belongs to the thread, which serves other connections after this one.
+    ERR_clear_error();
+}
+
+WireStream& WireStream::Of(const httplib::Request& request) {
+    return *static_cast<WireStream*>(SSL_get_app_data(request.ssl));
+}
+
+bool WireStream::Handshake() {
+    broken = session && SSL_accept(session.get()) != 1;
+    return !broken;
+}
+
+bool WireStream::WaitForRequest(std::chrono::seconds patience) const {
+    if (session && SSL_pending(session.get()) > 0) {
+        return true;
+    }
+    pollfd waiting = {.fd = descriptor, .events = POLLIN, .revents = 0};
+    return poll(&waiting, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) > 0;
+}
+
+void WireStream::BeginRequest() {
+    head.clear();
+    headComplete = false;
+    noted = false;
+    ++requests;
+}
+
+bool WireStream::FinishHead() {
+    const bool finished = headComplete;
+    for (char byte = 0; !head.empty() && !headComplete && read(&byte, 1) == 1;) {
+    }
+    return finished;
+}
+
+ssize_t WireStream::read(char* ptr, size_t size) {
+    if (dropped || broken) {
+        return -1;
+    }
+    const ssize_t count = session ? SSL_read(session.get(), ptr, Limited(size)) : recv(descriptor, ptr, size, 0);
+    if (count > 0) {
+        KeepHead(ptr, static_cast<std::size_t>(count));
+    } else {
+        broken = true;
+    }
+    return count;
+}
+
+ssize_t WireStream::write(const char* ptr, size_t size) {
+    if (dropped || broken) {
+        return -1;
+    }
+    const ssize_t count =
+        session ? SSL_write(session.get(), ptr, Limited(size)) : send(descriptor, ptr, size, MSG_NOSIGNAL);
+    broken = count <= 0;
+    return count;
+}
+
+void WireStream::get_remote_ip_and_port(std::string& ip, int& port) const {
+    sockaddr_in address = {};
+    socklen_t length = sizeof address;
+    getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &length);
+    Describe(address, ip, port);
+}
+
+void WireStream::get_local_ip_and_port(std::string& ip, int& port) const {
+    sockaddr_in address = {};
+    socklen_t length = sizeof address;
+    getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length);
+    Describe(address, ip, port);
+}
+
+void WireStream::KeepHead(const char* bytes, std::size_t count) {
+    if (headComplete) {
+        return;
+    }
+    head.append(bytes, count);
+    if (const std::size_t end = head.find("\r\n\r\n", head.size() - std::min(head.size(), count + 3));
+        end != std::string::npos) {
+        head.resize(end);
+        headComplete = true;
+    }
+}
+
+}  // namespace Korvel::Sim
