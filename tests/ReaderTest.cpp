@@ -203,7 +203,6 @@ TEST(ReaderTest, MissesAResponseAndRefusesAnExpression) {
               "1 \n" + entry + "count(//q) CommandAction: 1\n2 Response not found. Error Condition\n");
 }
 
-// Leaves the document behind: run apart from the others, with the leak named to the sanitizer.
 TEST(KeptLeakTest, ADocumentIsLeftBehindWhenItsEvaluationFails) {
     CommandResponse response;
     EXPECT_EQ(Read([&](KConnection& reader) { return reader.ParseResponseXML("<q/>", "//[", 1, response); },

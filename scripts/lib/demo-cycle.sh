@@ -2,19 +2,23 @@
 # Runs the whole cycle of a storage administrator against two simulated arrays and checks every step: find volumes, take
 # a consistent snapshot set, clone, map, unmap, roll back, clean up.
 #
-#   demo-cycle.sh KORVELCTL SIMULATOR
+#   demo-cycle.sh SIMULATOR [OPTION...] -- KORVELCTL...
 #
-# KORVELCTL may hold words before the program ("wine64 korvelctl.exe"). Where the registry is a real one, the variable
-# KORVEL_DEMO_IMPORT names a command that is given a .reg file and stores it. KORVEL_DEMO_JOURNAL names a file for the
-# requests that came over the wire. Ends with 0 only if every step did what it says and the arrays end as they began.
+# KORVELCTL may have a program before it that runs it (wine-run korvelctl.exe). Where the registry is a real one, the
+# variable KORVEL_DEMO_WINE names what runs the registry editor. KORVEL_DEMO_JOURNAL names a file for the requests that
+# came over the wire. Ends with 0 only if every step did what it says and the arrays end as they began.
 set -euo pipefail
 
-if [[ $# -ne 2 ]]; then
+simulator=()
+while [[ $# -gt 0 && $1 != -- ]]; do
+    simulator+=("$1")
+    shift
+done
+if [[ $# -lt 2 || ${#simulator[@]} -eq 0 ]]; then
     sed -n '2,9s/^# \{0,1\}//p' "$0" >&2
     exit 64
 fi
-read -ra korvelctl <<<"$1"
-read -ra simulator <<<"$2"
+korvelctl=("${@:2}")
 host_iqn=iqn.2011-03.example.korvel:host-0001
 work=$(mktemp -d)
 simulator_pid=
@@ -76,7 +80,7 @@ first_line='^ready control=([^ ]+) array=([^ ]+) key=[^ ]+ array=([^ ]+) key='
 control=${BASH_REMATCH[1]} first=${BASH_REMATCH[2]} second=${BASH_REMATCH[3]}
 export no_proxy=127.0.0.1 NO_PROXY=127.0.0.1 # the library heeds a proxy in the environment
 export KORVEL_REGISTRY=$work/arrays.reg
-[[ -z ${KORVEL_DEMO_IMPORT:-} ]] || $KORVEL_DEMO_IMPORT "$work/arrays.reg"
+[[ -z ${KORVEL_DEMO_WINE:-} ]] || "$KORVEL_DEMO_WINE" regedit /S "$work/arrays.reg"
 contents 0 >"$work/before-0"
 contents 1 >"$work/before-1"
 ieee_id=$(sed -n 's/.*"ieeeId": "\([^"]*\)".*/\1/p' "$work/before-0" | head -n 1)

@@ -19,12 +19,6 @@ void RequireRegistry(bool succeeded, const char* text) {
     }
 }
 
-/// Opens the root key, which a listing leaves open: the sanitizers are told of that by this function's name.
-void OpenRootKey(KRegistryKey& key) {
-    RequireRegistry(key.Open(std::string(KRegistryRootKey).c_str(), KRegistryKey::Access::Read),
-                    "Failed to open registry key");
-}
-
 void AppendSubkeyNames(KRegistryKey& key, unsigned long count, std::vector<std::string>& names) {
     for (unsigned long index = 0; index < count; ++index) {
         char name[KSubkeyNameCapacity] = {};
@@ -39,7 +33,8 @@ int Utilities::GetArrayIPList(std::vector<std::string>& addresses) {
     LogTrace("Entering Utilities::GetArrayIPList()");
     const int status = LogAndRethrow([&]() -> int {
         KRegistryKey key;
-        OpenRootKey(key);
+        RequireRegistry(key.Open(std::string(KRegistryRootKey).c_str(), KRegistryKey::Access::Read),
+                        "Failed to open registry key");
         unsigned long count = 0;
         RequireRegistry(key.CountSubkeys(count), "Failed to query the registry key");
         if (count == 0) {

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "foundation/KException.h"
+#include "foundation/KKeptLeak.h"
 
 namespace Korvel {
 
@@ -79,8 +80,8 @@ KReplyDocument::~KReplyDocument() {
 
 /// Kept: documents-left-behind. A failed reading frees its context alone.
 void KReplyDocument::LeaveBehind() noexcept {
-    static_cast<void>(result.release());
-    static_cast<void>(document.release());
+    KeepLeaked(result.release());
+    KeepLeaked(document.release());
 }
 
 bool IsNamed(const xmlNode* node, const char* name) {

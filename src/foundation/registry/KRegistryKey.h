@@ -44,7 +44,7 @@ public:
     void Close() noexcept;
 
     /// Lets go of the open key without closing it.
-    void LeaveOpen() noexcept { handle = nullptr; }
+    void LeaveOpen() noexcept;
 
 private:
     void* handle = nullptr;  // an HKEY, or the stand-in's own open key

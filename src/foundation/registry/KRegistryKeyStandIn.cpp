@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/KKeptLeak.h"
 #include "foundation/registry/KRegistryKey.h"
 #include "foundation/registry/regfile/KRegDocument.h"
 #include "foundation/registry/regfile/KRegError.h"
@@ -77,6 +78,10 @@ bool KRegistryKey::ReadValue(const char* valueName, unsigned char* buffer, std::
     std::copy(found->second.begin(), found->second.end(), buffer);
     size = found->second.size();
     return true;
+}
+
+void KRegistryKey::LeaveOpen() noexcept {
+    KeepLeaked(std::exchange(handle, nullptr));
 }
 
 void KRegistryKey::Close() noexcept {

@@ -50,6 +50,10 @@ bool KRegistryKey::ReadValue(const char* valueName, unsigned char* buffer, std::
     return true;
 }
 
+void KRegistryKey::LeaveOpen() noexcept {
+    handle = nullptr;
+}
+
 void KRegistryKey::Close() noexcept {
     if (handle != nullptr) {
         RegCloseKey(Opened(std::exchange(handle, nullptr)));
