@@ -1,5 +1,6 @@
 #include "KLogText.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace Korvel {
@@ -32,6 +33,30 @@ std::string Formatted(const char* format, va_list arguments) {
     return text;
 }
 
+void AppendEscaped(std::string& result, std::string_view bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    for (const char byte : bytes) {
+        const auto code = static_cast<unsigned char>(byte);
+        result += {'\\', 'x', digits[code >> 4], digits[code & 0xf]};
+    }
+}
+
+/// @return the length of the character beyond ASCII at the beginning of a text in UTF-8, if it would steer a terminal
+/// or
+///         turn the line around: U+0080 to U+009F, U+202A to U+202E, U+2066 to U+2069; otherwise 0
+std::size_t SteeringLength(std::string_view text) {
+    const auto isBetween = [&](std::size_t at, unsigned char first, unsigned char last) {
+        return at < text.size() && static_cast<unsigned char>(text[at]) >= first &&
+               static_cast<unsigned char>(text[at]) <= last;
+    };
+    if (text.starts_with("\xc2")) {
+        return isBetween(1, 0x80, 0x9f) ? 2 : 0;
+    }
+    const bool turns = (text.starts_with("\xe2\x80") && isBetween(2, 0xaa, 0xae)) ||
+                       (text.starts_with("\xe2\x81") && isBetween(2, 0xa6, 0xa9));
+    return turns ? 3 : 0;
+}
+
 void AppendVisible(std::string& result, char character) {
     const auto code = static_cast<unsigned char>(character);
     if (character == '\n') {
@@ -41,8 +66,7 @@ void AppendVisible(std::string& result, char character) {
     } else if (character == '\t') {
         result += "\\t";
     } else if (code < 0x20 || code == 0x7f) {
-        constexpr char digits[] = "0123456789abcdef";
-        result += {'\\', 'x', digits[code >> 4], digits[code & 0xf]};
+        AppendEscaped(result, {&character, 1});
     } else {
         result += character;
     }
@@ -63,8 +87,14 @@ std::string KLogText::Record(std::chrono::system_clock::time_point time, int lev
 std::string KLogText::Visible(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    for (const char character : text) {
-        AppendVisible(result, character);
+    while (!text.empty()) {
+        const std::size_t steering = SteeringLength(text);
+        if (steering > 0) {
+            AppendEscaped(result, text.substr(0, steering));
+        } else {
+            AppendVisible(result, text.front());
+        }
+        text.remove_prefix(std::max<std::size_t>(steering, 1));
     }
     return result;
 }

@@ -19,8 +19,9 @@ public:
     static std::string Record(std::chrono::system_clock::time_point time, int level, const char* module,
                               const char* format, va_list arguments);
 
-    /// Makes control characters visible ("\n", "\r", "\t", "\x1b"), so that a text can't begin a record of its own.
-    /// Backslashes stay single: registry paths are to be read as they are.
+    /// Makes control characters visible ("\n", "\r", "\t", "\x1b", "\xc2\x9b"), and the marks that turn the direction
+    /// of a text, so that it can't begin a record of its own nor steer the terminal it is shown on. Backslashes stay
+    /// single: registry paths are to be read as they are.
     /// @throws std::bad_alloc, std::length_error
     static std::string Visible(std::string_view text);
 };

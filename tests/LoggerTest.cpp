@@ -82,7 +82,8 @@ TEST_F(LoggerTest, KeepsARecordInOneLine) {
         const std::string longText(100000, 'x');
         const wchar_t noText[] = {static_cast<wchar_t>(0xdfff), 0};
         errno = 4711;
-        Log(0, "\n\r\t\x1b\x7f\\ \xc3\xa4 %s", "100%s\n");
+        Log(0, "\n\r\t\x1b\x7f\\ \xc3\xa4 \xc2\x9b\xc2\xa0\xe2\x80\xae\xe2\x80\xaf\xe2\x81\xa6\xe2\x81\xaa\xc2 %s",
+            "100%s\n");
         Log(0, longText.c_str());
         Log(0, "%s", longText.c_str());
         Log(0, "bad %ls", noText);
@@ -91,7 +92,10 @@ TEST_F(LoggerTest, KeepsARecordInOneLine) {
     };
     const auto fiveLines = [](const std::string& text) {
         return std::count(text.begin(), text.end(), '\n') == 5 && text.size() > 200000 &&
-               text.find("Z 0 Test \\n\\r\\t\\x1b\\x7f\\ \xc3\xa4 100%s\\n\n") != std::string::npos &&
+               text.find(
+                   "Z 0 Test \\n\\r\\t\\x1b\\x7f\\ \xc3\xa4 "
+                   "\\xc2\\x9b\xc2\xa0\\xe2\\x80\\xae\xe2\x80\xaf\\xe2\\x81\\xa6\xe2\x81\xaa\xc2 100%s\\n\n") !=
+                   std::string::npos &&
                std::regex_search(text, std::regex("Test (\\(can't be formatted\\) bad %ls|bad )\n")) &&
                text.ends_with("Z 0 - \n");
     };

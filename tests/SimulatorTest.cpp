@@ -25,17 +25,15 @@ struct Reply {
     std::string body;
 };
 
-class SimulatorTest : public testing::Test {
+class SimulatorTest : public SimulatedTest {
 protected:
-    void SetUp() override { array.Reset(); }
-
     Reply Send(const std::string& method, const std::string& target, const std::string& body = "",
                std::size_t number = 0, bool follow = false) {
-        const std::string header = "X-Access-Key: " + key + array.Key(number);
+        const std::string header = "X-Access-Key: " + key + simulator.Key(number);
         const std::unique_ptr<curl_slist, void (*)(curl_slist*)> headers(curl_slist_append(nullptr, header.c_str()),
                                                                          curl_slist_free_all);
         const std::unique_ptr<CURL, void (*)(CURL*)> handle(curl_easy_init(), curl_easy_cleanup);
-        const std::string url = "https://" + array.Address(number) + target;
+        const std::string url = "https://" + simulator.Address(number) + target;
         Reply reply;
         curl_easy_setopt(handle.get(), CURLOPT_URL, url.c_str());
         curl_easy_setopt(handle.get(), CURLOPT_PATH_AS_IS, 1L);
@@ -61,7 +59,6 @@ protected:
         return reply;
     }
 
-    Simulator& array = Simulator::Instance();
     std::string key;  // put before the right one, to make it wrong
 };
 
@@ -102,7 +99,7 @@ TEST_F(SimulatorTest, CommandsChangeTheListings) {
 }
 
 TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
-    const json before = array.State();
+    const json before = simulator.State();
     const std::string second = "&snapshots_set_2_name=s2&snapshots_set_2_cg=";
     const std::string set = "/api/snapshots/snapshots_set";
     const std::vector<std::array<std::string, 5>> cases = {
@@ -111,6 +108,8 @@ TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
         {"POST", set, pair + second, "create-snapshot-set", "set_2_cg is missing"},
         {"POST", set, std::string(pair) + "&snapshots_set_3_name=s3", "create-snapshot-set", "without gaps"},
         {"POST", set, pair + second + "cg-00000002&x", "create-snapshot-set", "no value"},
+        {"POST", set, "snapshots_set_1_name=\xc0\xaf&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
+         "not allowed"},
         {"POST", set, "snapshots_set_1_name=\xff&snapshots_set_1_cg=cg-00000001", "create-snapshot-set", "not allowed"},
         {"DELETE", "/api/snapshots/nix", "", "delete-snapshot", "nix does not exist"},
         {"DELETE", "/api/volumes/a/b%2f", "", "delete-volume", "Volume a/b%2f does not exist"},
@@ -127,15 +126,26 @@ TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
         EXPECT_EQ(reply.status, 200);
         EXPECT_THAT(reply.body, AllOf(HasSubstr("<" + element + "-response><status>1<"), HasSubstr(message)));
     }
-    EXPECT_EQ(array.State(), before);
+    EXPECT_EQ(simulator.State(), before);
     EXPECT_EQ(Send("GET", "/api/nix").status, 404);
     EXPECT_EQ(Send("DELETE", "/api/volumes").status, 405);
     key = "x";
     EXPECT_EQ(Send("GET", "/api/volumes").status, 401);
 }
 
+/// @return the error that a call of the control interface ends with, or "none"
+template <typename Call>
+std::string ErrorOf(Call call) {
+    try {
+        call();
+        return "none";
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
 TEST_F(SimulatorTest, TakesAReplacedStateAndSetsOfThousandsOfVolumes) {
-    array.SetState(0, {{"volumes", {{{"name", "v"}, {"displayName", "<&>"}, {"group", "a/b"}}}}});
+    simulator.SetState(0, {{"volumes", {{{"name", "v"}, {"displayName", "<&>"}, {"group", "a/b"}}}}});
     EXPECT_THAT(Send("GET", "/api/volumes").body, HasSubstr("<display-name>&lt;&amp;&gt;</display-name>"));
     EXPECT_THAT(Send("GET", "/api/servers").body, HasSubstr("<servers/>"));
     std::string set;
@@ -144,9 +154,15 @@ TEST_F(SimulatorTest, TakesAReplacedStateAndSetsOfThousandsOfVolumes) {
         set += name + "_name=s" + std::to_string(i) + "&" + name.substr(i > 1 ? 1 : 0) + "_cg=a/b";
     }
     EXPECT_THAT(Send("POST", "/api/snapshots/snapshots_set", set).body, HasSubstr("<status>0<"));
-    EXPECT_EQ(array.State().at("snapshots").at("a/b").size(), 3000U);
-    EXPECT_THROW(array.SetState(0, {{"volumes", {{{"nmae", "v"}}}}}), std::runtime_error);
-    EXPECT_THROW(array.SetState(9, json::object()), std::runtime_error);
+    EXPECT_EQ(simulator.State().at("snapshots").at("a/b").size(), 3000U);
+    EXPECT_THAT(ErrorOf([&] { simulator.SetState(0, {{"volumes", {{{"nmae", "v"}}}}}); }), HasSubstr("field nmae"));
+    EXPECT_THAT(ErrorOf([&] { simulator.SetState(9, json::object()); }), HasSubstr("there is no array 9"));
+
+    // Names that it gives are new, whatever a state holds that says nothing of numbers.
+    const json volume = {{"name", "snap-00000003"}, {"displayName", "d"}, {"group", "cg-00000002"}};
+    simulator.SetState(0, {{"volumes", {volume}}, {"snapshots", {{"g", {{{"name", "snap-00000004"}}}}}}});
+    const std::string pairOf2 = "snapshots_set_1_name=s&snapshots_set_1_cg=cg-00000002";
+    EXPECT_THAT(Send("POST", "/api/snapshots/snapshots_set", pairOf2).body, HasSubstr("<snapshot>snap-00000005<"));
 }
 
 TEST_F(SimulatorTest, FaultsHitTheRequestsTheyAreMeantFor) {
@@ -164,63 +180,95 @@ TEST_F(SimulatorTest, FaultsHitTheRequestsTheyAreMeantFor) {
         {{{"kind", "drop"}}, CURLE_GOT_NOTHING, 0, ""},
         {{{"kind", "delay"}, {"delay", 1}}, CURLE_OK, 200, whole},
         {{{"kind", "redirect"}, {"location", "/api/nix"}}, CURLE_OK, 302, ""},
+        {{{"kind", "cut"}, {"keep", 9}, {"hold", 1}, {"reset", true}}, CURLE_RECV_ERROR, 200, whole.substr(0, 9)},
+        {{{"kind", "drip"}, {"pause", 1}, {"step", 50}}, CURLE_OK, 200, whole},
+        {{{"kind", "drop"}, {"reset", true}}, CURLE_RECV_ERROR, 0, ""},
+        {{{"kind", "raw"}, {"body", "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 204 None\r\n\r\n"}}, CURLE_OK, 204, ""},
+        {{{"kind", "raw"}, {"body", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n<a/>"}, {"hold", 1}},
+         CURLE_PARTIAL_FILE,
+         200,
+         "<a/>"},
     };
     for (const auto& [fault, result, status, body] : cases) {
         SCOPED_TRACE(fault.dump());
         json armed = fault;
         armed.update({{"array", 0}, {"method", "GET"}, {"path", "/api/drives"}, {"skip", 1}});
-        array.Arm(armed);
+        simulator.Arm(armed);
         EXPECT_EQ(Send("GET", "/api/drives").body, whole);
         EXPECT_EQ(Send("GET", "/api/drives", "", 1).body, whole);
         EXPECT_EQ(Send("POST", "/api/drives").status, 405);
-        EXPECT_EQ(array.UnfiredFaults().size(), 1U);
+        EXPECT_EQ(simulator.UnfiredFaults().size(), 1U);
         const Reply reply = Send("GET", "/api/drives");
         // With some TLS libraries a connection that ends early is an error of receiving.
         EXPECT_TRUE(reply.result == result || (result != CURLE_OK && reply.result == CURLE_RECV_ERROR)) << reply.result;
         EXPECT_EQ(reply.status, status);
         EXPECT_EQ(reply.body, body);
-        EXPECT_TRUE(array.UnfiredFaults().empty());
+        EXPECT_TRUE(simulator.UnfiredFaults().empty());
         EXPECT_EQ(Send("GET", "/api/drives").body, whole);
     }
-    array.Arm({{"kind", "redirect"}, {"location", "/api/drives"}, {"glob", "/api/v*"}});
+    simulator.Arm({{"kind", "redirect"}, {"location", "/api/drives"}, {"glob", "/api/v*"}});
     EXPECT_EQ(Send("GET", "/api/volumes", "", 0, true).body, whole);
-    array.Arm({{"kind", "drop"}, {"execute", true}});
+    simulator.Arm({{"kind", "drop"}, {"execute", true}});
     EXPECT_NE(Send("DELETE", "/api/volumes/vol-00000001").result, CURLE_OK);
-    EXPECT_EQ(array.State().at("volumes").size(), 3U);
+    EXPECT_EQ(simulator.State().at("volumes").size(), 3U);
+}
+
+TEST_F(SimulatorTest, ConnectionsEndBeforeTheirFirstRequest) {
+    for (const char* handshake : {"closed", "cut", "garbage", "version", "stalled", "reset"}) {
+        SCOPED_TRACE(handshake);
+        simulator.Arm({{"kind", "connection"}, {"handshake", handshake}, {"hold", 1}, {"array", 1}});
+        EXPECT_EQ(Send("GET", "/api/drives").status, 200) << "another array's";
+        EXPECT_NE(Send("GET", "/api/drives", "", 1).result, CURLE_OK);
+        EXPECT_EQ(simulator.UnfiredFaults(), json::array());
+        EXPECT_EQ(Send("GET", "/api/drives", "", 1).status, 200);
+    }
 }
 
 TEST_F(SimulatorTest, RefusesFaultsThatMakeNoSense) {
-    const json cases[] = {json::array(),
-                          {{"kind", "nix"}},
-                          {{"kind", "status"}},
-                          {{"kind", "drop"}, {"pth", "/api/volumes"}},
-                          {{"kind", "drop"}, {"count", 0}},
-                          {{"kind", "drop"}, {"array", 2}},
-                          {{"kind", "drop"}, {"path", "/"}, {"glob", "*"}},
-                          {{"kind", "body"}, {"body", {{"base64", "*"}}}}};
-    for (const auto& fault : cases) {
-        EXPECT_THROW(array.Arm(fault), std::runtime_error) << fault;
+    const std::string deep = std::string(400000, '[') + std::string(400000, ']');
+    const std::pair<json, const char*> cases[] = {
+        {json::array(), "a fault is an object"},
+        {{{"kind", "nix"}}, "kind must be one of status, delay,"},
+        {{{"kind", nullptr}}, "kind must be one of status, delay,"},
+        {{{"kind", "status"}}, "the kind status needs the field status"},
+        {{{"kind", "status"}, {"status", 4294967796}}, "status must be a whole number, at least 200 and at most 599"},
+        {{{"kind", "drop"}, {"pth", "/api/volumes"}}, "unknown field pth"},
+        {{{"kind", "drop"}, {"count", 0}}, "count must be a whole number, at least 1"},
+        {{{"kind", "drop"}, {"array", 2}}, "there is no array 2"},
+        {{{"kind", "drop"}, {"array", -1}}, "array must be a whole number"},
+        {{{"kind", "drop"}, {"method", "get"}}, "method must be in capitals"},
+        {{{"kind", "drop"}, {"path", "/"}, {"glob", "*"}}, "path and glob must not be given both"},
+        {{{"kind", "body"}, {"body", {{"base64", "*"}}}}, "not a base64 text"},
+        {{{"kind", "body"}, {"body", {{"base64", "AAAA\n"}}}}, "not a base64 text"},
+        {{{"kind", "connection"}, {"handshake", "nix"}}, "handshake must be one of closed,"},
+        {{{"kind", "connection"}, {"handshake", "cut"}, {"path", "/"}}, "unknown field path"},
+    };
+    for (const auto& [fault, error] : cases) {
+        EXPECT_THAT(ErrorOf([&, &armed = fault] { simulator.Arm(armed); }), HasSubstr(error)) << fault;
     }
+    EXPECT_EQ(simulator.UnfiredFaults(), json::array());
+    EXPECT_THAT(ErrorOf([&] { simulator.SetState(0, {{"nextNumber", -1}}); }), HasSubstr("nextNumber must be"));
+    EXPECT_THAT(ErrorOf([&] { simulator.Put("/arrays/0/state", deep); }), HasSubstr("nested too deep"));
 }
 
 TEST_F(SimulatorTest, JournalHoldsWhatCameOverTheWire) {
     Send("POST", "/api/a%41/../b", std::string("x=\xfe%41&\0", 8), 1);
-    array.Arm({{"kind", "drop"}});
+    simulator.Arm({{"kind", "drop"}});
     Send("GET", "/api/drives");
     Send("GET", "/api/a?b?c");
-    const auto entries = array.Journal();
+    const auto entries = simulator.Journal();
     ASSERT_EQ(entries.size(), 3U);
     EXPECT_EQ(entries[0].method, "POST");
     EXPECT_EQ(entries[0].target, "/api/a%41/../b");
     EXPECT_EQ(entries[0].body, std::string("x=\xfe%41&\0", 8));
     EXPECT_EQ(entries[0].array, 1U);
-    EXPECT_EQ(entries[0].headers.front(), std::make_pair(std::string("Host"), array.Address(1)));
-    EXPECT_THAT(entries[0].headers, Contains(Pair("X-Access-Key", array.Key(1))));
+    EXPECT_EQ(entries[0].headers.front(), std::make_pair(std::string("Host"), simulator.Address(1)));
+    EXPECT_THAT(entries[0].headers, Contains(Pair("X-Access-Key", simulator.Key(1))));
     EXPECT_TRUE(entries[1].newConnection && entries[1].array == 0 && entries[1].sequence == 2);
     EXPECT_NE(entries[1].fault, 0U);
     EXPECT_EQ(entries[2].target, "/api/a?b?c");
-    array.ClearJournal();
-    EXPECT_TRUE(array.Journal().empty());
+    simulator.ClearJournal();
+    EXPECT_TRUE(simulator.Journal().empty());
 }
 
 }  // namespace

@@ -234,9 +234,19 @@ Outcome ArrayState::DetachVolume(const std::string& name, const Form& form) {
 
 std::string ArrayState::NextName(const char* prefix) {
     char name[32];
-    static_cast<void>(
-        std::snprintf(name, sizeof name, "%s-%08llx", prefix, static_cast<unsigned long long>(held.nextNumber++)));
+    do {
+        static_cast<void>(
+            std::snprintf(name, sizeof name, "%s-%08llx", prefix, static_cast<unsigned long long>(held.nextNumber++)));
+    } while (IsTaken(name));  // a state that was set may hold any names
     return name;
+}
+
+bool ArrayState::IsTaken(const std::string& name) const {
+    return FindName(held.volumes, name) != held.volumes.end() || FindName(held.servers, name) != held.servers.end() ||
+           std::any_of(held.volumes.begin(), held.volumes.end(),
+                       [&](const auto& volume) { return volume.group == name; }) ||
+           std::any_of(held.snapshots.begin(), held.snapshots.end(),
+                       [&](const auto& group) { return FindName(group.second, name) != group.second.end(); });
 }
 
 Inventory::Volume& ArrayState::FindVolume(const std::string& name) {

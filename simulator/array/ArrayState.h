@@ -70,6 +70,7 @@ private:
     using Lock = std::lock_guard<std::mutex>;
 
     std::string NextName(const char* prefix);
+    bool IsTaken(const std::string& name) const;
     Inventory::Volume& FindVolume(const std::string& name);
     void RequireServer(const std::string& name) const;
     void RequireGroup(const std::string& group);

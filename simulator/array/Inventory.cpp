@@ -73,6 +73,7 @@ Inventory Inventory::Filled(const Fill& fill, std::size_t array) {
 
 Inventory Inventory::FromJson(const nlohmann::json& value) {
     JsonFields::RequireKnown(value, nlohmann::json(Inventory{}));
+    JsonFields::Number(value, "nextNumber", 0);
     RequireKnownFields<Volume>(value.value("volumes", nlohmann::json::array()));
     for (const auto& group : value.value("snapshots", nlohmann::json::object())) {
         RequireKnownFields<Snapshot>(group);

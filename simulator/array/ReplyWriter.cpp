@@ -14,6 +14,11 @@ int Append(void* document, const char* bytes, int length) {
     return length;
 }
 
+// libxml2 reads a character that is spelt longer than need be, but refuses a document that holds one.
+int ShortestLength(int character) {
+    return character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+}
+
 const xmlChar* Xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
@@ -53,7 +58,7 @@ bool ReplyWriter::CanHold(const std::string& text) {
     for (std::size_t left = text.size(); left > 0;) {
         int length = static_cast<int>(std::min<std::size_t>(left, 4));
         const int character = xmlGetUTF8Char(at, &length);
-        if (character < ' ' || !xmlIsCharQ(static_cast<unsigned>(character))) {
+        if (character < ' ' || !xmlIsCharQ(static_cast<unsigned>(character)) || length != ShortestLength(character)) {
             return false;
         }
         at += length;

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "control/JsonFields.h"
+
 namespace Korvel::Sim {
 namespace {
 
@@ -115,8 +117,7 @@ httplib::Server::HandlerWithContentReader ControlServer::WithBody(Action action)
     return [action = std::move(action)](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& reader) {
         const std::string body = ReadBody(request, reader);
-        Guarded(response,
-                [&] { return action(request, body.empty() ? nlohmann::json() : nlohmann::json::parse(body)); });
+        Guarded(response, [&] { return action(request, body.empty() ? nlohmann::json() : JsonFields::Parse(body)); });
     };
 }
 

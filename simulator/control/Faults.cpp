@@ -9,10 +9,20 @@ std::uint64_t Faults::Arm(Fault fault) {
     return lastId;
 }
 
-std::optional<Fault> Faults::Take(std::size_t array, const std::string& method, const std::string& target) {
+std::optional<Fault> Faults::TakeForConnection(std::size_t array, int port) {
+    return Take([&](const Fault& fault) { return fault.MatchesConnection(array, port); });
+}
+
+std::optional<Fault> Faults::TakeForRequest(std::size_t array, int port, const std::string& method,
+                                            const std::string& target) {
+    return Take([&](const Fault& fault) { return fault.MatchesRequest(array, port, method, target); });
+}
+
+template <typename Matches>
+std::optional<Fault> Faults::Take(const Matches& matches) {
     const std::lock_guard lock(mutex);
     for (Fault& fault : faults) {
-        if (fault.fired == fault.count || !fault.Matches(array, method, target)) {
+        if (fault.fired == fault.count || !matches(fault)) {
             continue;
         }
         if (fault.skipped < fault.skip) {

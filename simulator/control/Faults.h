@@ -16,8 +16,12 @@ public:
     /// Arms a fault and returns its number.
     std::uint64_t Arm(Fault fault);
 
-    /// Returns the fault that this request meets: the one armed first that matches and is not used up.
-    std::optional<Fault> Take(std::size_t array, const std::string& method, const std::string& target);
+    /// Returns the fault that this connection meets: the one armed first that matches and is not used up.
+    std::optional<Fault> TakeForConnection(std::size_t array, int port);
+
+    /// The same for a request.
+    std::optional<Fault> TakeForRequest(std::size_t array, int port, const std::string& method,
+                                        const std::string& target);
 
     /// Returns all faults as JSON, in the order in which they were armed.
     nlohmann::json ToJson() const;
@@ -26,6 +30,9 @@ public:
     void Clear();
 
 private:
+    template <typename Matches>
+    std::optional<Fault> Take(const Matches& matches);
+
     mutable std::mutex mutex;
     std::vector<Fault> faults;
     std::uint64_t lastId = 0;

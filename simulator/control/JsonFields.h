@@ -1,25 +1,26 @@
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <string>
 
 namespace Korvel::Sim {
 
-/// Checks on JSON objects that come from outside.
+/// Checks on JSON that comes from outside. What is wrong throws std::invalid_argument, which names the field.
 class JsonFields {
 public:
-    /// Throws std::invalid_argument when `object` is no object or has a field that `known` has not: a misspelt name
-    /// must not pass as one that was left out.
-    static void RequireKnown(const nlohmann::json& object, const nlohmann::json& known) {
-        if (!object.is_object()) {
-            throw std::invalid_argument("expected an object, not " + object.dump());
-        }
-        for (const auto& field : object.items()) {
-            if (!known.contains(field.key())) {
-                throw std::invalid_argument("unknown field " + field.key());
-            }
-        }
-    }
+    /// Reads a text. It may be nested only as deep as anything here is, since values are walked by recursion.
+    static nlohmann::json Parse(const std::string& text);
+
+    /// Refuses what is no object or has a field that `known` has not: a misspelt name must not pass as one that was
+    /// left out.
+    static void RequireKnown(const nlohmann::json& object, const nlohmann::json& known);
+
+    /// Returns the whole number in the field `name` of `object`, or `otherwise` when there is no such field.
+    static std::uint64_t Number(const nlohmann::json& object, const char* name, std::uint64_t otherwise,
+                                std::uint64_t least = 0,
+                                std::uint64_t most = std::numeric_limits<std::uint64_t>::max());
 };
 
 }  // namespace Korvel::Sim

@@ -33,22 +33,32 @@ Reply Faulted(const Fault& fault) {
             .location = fault.location};
 }
 
-// Announces the whole body and sends it until `end`; if that is short of the whole, the connection goes with it.
-void SendBody(httplib::Response& response, const Reply& answer, WireStream& stream, std::size_t end) {
+void Announce(httplib::Response& response, const Reply& answer) {
+    response.status = answer.status;
+    if (!answer.location.empty()) {
+        response.set_header("Location", answer.location);
+    }
+}
+
+// Sends the answer. Where `next` is asked, it says how many of the bytes that are left come next; with 0 it has ended
+// the connection.
+template <typename Next>
+void Send(httplib::Response& response, const Reply& answer, Next next) {
+    Announce(response, answer);
     const ArrayState::Document body = answer.body;
     if (body->empty()) {
         response.set_content("", answer.contentType);
         return;
     }
-    response.set_content_provider(
-        body->size(), answer.contentType,
-        [body, end, &stream](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-            if (offset >= end) {
-                stream.Drop();
-                return false;
-            }
-            return sink.write(body->data() + offset, std::min({length, pieceOfBody, end - offset}));
-        });
+    response.set_content_provider(body->size(), answer.contentType,
+                                  [body, next](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
+                                      const std::size_t count = next(offset, length);
+                                      return count > 0 && sink.write(body->data() + offset, count);
+                                  });
+}
+
+void Send(httplib::Response& response, const Reply& answer) {
+    Send(response, answer, [](std::size_t /*offset*/, std::size_t length) { return std::min(length, pieceOfBody); });
 }
 
 }  // namespace
@@ -91,38 +101,88 @@ void ArrayServer::AfterRequest(WireStream& stream) {
     }
 }
 
+bool ArrayServer::BeforeHandshake(WireStream& stream) {
+    const auto fault = faults.TakeForConnection(number, stream.ClientPort());
+    if (!fault) {
+        return true;
+    }
+    if (fault->handshake == Fault::Handshake::Reset) {
+        stream.Reset();
+        return false;
+    }
+    if (fault->handshake == Fault::Handshake::Closed) {
+        return false;
+    }
+    stream.SwallowHello();
+    if (fault->handshake == Fault::Handshake::Cut) {
+        stream.SendUnsealed(std::string("\x16\x03\x03\x00\x7a\x02", 6));  // the head of a record that never comes
+    } else if (fault->handshake == Fault::Handshake::Garbage) {
+        stream.SendUnsealed(std::string(512, '\xa5'));
+    } else if (fault->handshake == Fault::Handshake::Version) {
+        stream.SendUnsealed(std::string("\x15\x03\x03\x00\x02\x02\x46", 7));  // "no version that I speak"
+    }
+    Wait(std::chrono::milliseconds(fault->hold));
+    return false;
+}
+
 void ArrayServer::Serve(const httplib::Request& request, httplib::Response& response, std::string body) {
     WireStream& stream = WireStream::Of(request);
     Request noted = Request::FromHead(stream.Head());
     noted.array = number;
     noted.body = std::move(body);
     noted.newConnection = stream.IsFirstRequest();
-    const auto fault = faults.Take(number, noted.method, noted.target);
+    const auto fault = faults.TakeForRequest(number, stream.ClientPort(), noted.method, noted.target);
     noted.fault = fault ? fault->id : 0;
     stream.Note();
     journal.Add(noted);
+    if (!fault) {
+        Send(response, Execute(noted));
+    } else if (Wait(std::chrono::milliseconds(fault->delay))) {
+        AnswerFaulted(stream, response, noted, *fault);
+    } else {
+        stream.Drop();
+    }
+}
 
-    const Fault::Kind kind = fault ? fault->kind : Fault::Kind::Delay;
-    const bool answersItself = kind == Fault::Kind::Delay || kind == Fault::Kind::Cut;
-    if (fault && !Wait(std::chrono::milliseconds(fault->delay))) {
-        stream.Drop();
-        return;
+// Ends a connection in the way that the fault says.
+void ArrayServer::End(WireStream& stream, const Fault& fault) {
+    Wait(std::chrono::milliseconds(fault.hold));
+    fault.reset ? stream.Reset() : stream.Drop();
+}
+
+void ArrayServer::AnswerFaulted(WireStream& stream, httplib::Response& response, const Request& request,
+                                const Fault& fault) {
+    using Kind = Fault::Kind;
+    const bool isOwnAnswer = fault.kind == Kind::Delay || fault.kind == Kind::Cut || fault.kind == Kind::Drip;
+    const Reply answer = isOwnAnswer || fault.execute ? Execute(request) : Reply{.body = {}, .location = {}};
+    switch (fault.kind) {
+        case Kind::Raw:
+            stream.write(fault.body.data(), fault.body.size());
+            End(stream, fault);
+            return;
+        case Kind::Drop:
+            End(stream, fault);
+            return;
+        case Kind::Cut:
+            Send(response, answer,
+                 [this, fault, &stream, end = fault.keep.value_or(answer.body->size() / 2)](std::size_t offset,
+                                                                                            std::size_t length) {
+                     if (offset >= end) {
+                         End(stream, fault);
+                         return std::size_t{0};
+                     }
+                     return std::min({length, pieceOfBody, end - offset});
+                 });
+            return;
+        case Kind::Drip:
+            Send(response, answer, [this, fault](std::size_t /*offset*/, std::size_t length) {
+                Wait(std::chrono::milliseconds(fault.pause));
+                return std::min(length, fault.step);
+            });
+            return;
+        default:
+            Send(response, isOwnAnswer ? answer : Faulted(fault));
     }
-    Reply answer = answersItself || fault->execute ? Execute(noted) : Reply{.body = {}, .location = {}};
-    if (kind == Fault::Kind::Drop) {
-        stream.Drop();
-        return;
-    }
-    if (!answersItself) {
-        answer = Faulted(*fault);
-    }
-    response.status = answer.status;
-    if (!answer.location.empty()) {
-        response.set_header("Location", answer.location);
-    }
-    const std::size_t size = answer.body->size();
-    const std::size_t end = kind != Fault::Kind::Cut ? size : fault->keep.value_or(size / 2);
-    SendBody(response, answer, stream, end);
 }
 
 Reply ArrayServer::Execute(const Request& request) {

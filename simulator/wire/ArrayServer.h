@@ -25,10 +25,13 @@ public:
     ArrayState& State() { return state; }
 
 protected:
+    bool BeforeHandshake(WireStream& stream) override;
     void AfterRequest(WireStream& stream) override;
 
 private:
     void Serve(const httplib::Request& request, httplib::Response& response, std::string body);
+    void AnswerFaulted(WireStream& stream, httplib::Response& response, const Request& request, const Fault& fault);
+    void End(WireStream& stream, const Fault& fault);
     Reply Execute(const Request& request);
 
     std::size_t number;

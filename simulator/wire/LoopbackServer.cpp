@@ -115,12 +115,16 @@ std::string LoopbackServer::ReadBody(const httplib::Request& request, const http
     return body;
 }
 
+bool LoopbackServer::BeforeHandshake(WireStream& /*stream*/) {
+    return true;
+}
+
 void LoopbackServer::AfterRequest(WireStream& /*stream*/) {}
 
 bool LoopbackServer::process_and_close_socket(socket_t sock) {
     const OpenSocket registered(*this, sock);
     WireStream stream(sock, tlsContext);
-    if (!IsStopping() && stream.Handshake()) {
+    if (!IsStopping() && BeforeHandshake(stream) && stream.Handshake()) {
         Serve(stream);
     }
     return true;

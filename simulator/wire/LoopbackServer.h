@@ -39,6 +39,9 @@ protected:
     /// Returns the body of `request`, read through `reader`.
     static std::string ReadBody(const httplib::Request& request, const httplib::ContentReader& reader);
 
+    /// Called when a client has connected, before the TLS handshake. Returns false when the connection is to end.
+    virtual bool BeforeHandshake(WireStream& stream);
+
     /// Called after each request, answered or not, while its connection is still there.
     virtual void AfterRequest(WireStream& stream);
 

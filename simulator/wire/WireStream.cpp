@@ -70,6 +70,28 @@ bool WireStream::FinishHead() {
     return finished;
 }
 
+void WireStream::Reset() {
+    const linger atOnce = {.l_onoff = 1, .l_linger = 0};
+    setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    Drop();
+}
+
+void WireStream::SwallowHello() const {
+    char bytes[16384];
+    static_cast<void>(recv(descriptor, bytes, sizeof bytes, 0));
+}
+
+void WireStream::SendUnsealed(const std::string& bytes) const {
+    static_cast<void>(send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL));
+}
+
+int WireStream::ClientPort() const {
+    std::string ip;
+    int port = 0;
+    get_remote_ip_and_port(ip, port);
+    return port;
+}
+
 ssize_t WireStream::read(char* ptr, size_t size) {
     if (dropped || broken) {
         return -1;

@@ -49,6 +49,18 @@ public:
     /// From now on nothing is written any more, so that the client sees the connection end.
     void Drop() { dropped = true; }
 
+    /// As Drop, and the connection's end is a reset.
+    void Reset();
+
+    /// Waits for the client's first bytes and takes them away, before any handshake.
+    void SwallowHello() const;
+
+    /// Sends bytes as they are, past any TLS session.
+    void SendUnsealed(const std::string& bytes) const;
+
+    /// Returns the port that the client speaks from.
+    int ClientPort() const;
+
     /// The TLS session, null for plain text.
     SSL* Tls() const { return session.get(); }
 

@@ -47,9 +47,9 @@ std::string WithoutNumbers(const std::string& text) {
 
 }  // namespace
 
-ArrayTest::ArrayTest() {
+void ArrayTest::SetUp() {
+    SimulatedTest::SetUp();
     array.GetConnection(connection);
-    simulator.Reset();
     simulator.SetState(0, Inventory());
     TakeRecords();
 }

@@ -14,9 +14,9 @@ namespace Korvel {
 
 /// An array object against a simulated array that holds two volumes in groups of their own, with one snapshot each, and
 /// one server.
-class ArrayTest : public testing::Test {
+class ArrayTest : public Testing::SimulatedTest {
 protected:
-    ArrayTest();
+    void SetUp() override;
 
     /// @return the log since the last call, with ADDRESS and KEY for the array's, and N for a generated number
     std::string Records() const;
@@ -27,7 +27,6 @@ protected:
     /// Answers the next requests as told.
     static void Answer(int status, const std::string& body, int count = 1);
 
-    Testing::Simulator& simulator = Testing::Simulator::Instance();
     KArray array{simulator.Address(), simulator.Key()};
     KConnection* connection = nullptr;
 };

@@ -81,11 +81,15 @@ nlohmann::json Simulator::State(std::size_t array) {
 }
 
 void Simulator::SetState(std::size_t array, const nlohmann::json& state) {
-    Call("PUT", "/arrays/" + std::to_string(array) + "/state", state);
+    Call("PUT", "/arrays/" + std::to_string(array) + "/state", state.dump());
+}
+
+void Simulator::Put(const std::string& path, const std::string& text) {
+    Call("PUT", path, text);
 }
 
 std::uint64_t Simulator::Arm(const nlohmann::json& fault) {
-    return Call("POST", "/faults", fault).at("id");
+    return Call("POST", "/faults", fault.dump()).at("id");
 }
 
 nlohmann::json Simulator::UnfiredFaults() {
@@ -115,10 +119,9 @@ void Simulator::ClearJournal() {
     Call("DELETE", "/journal");
 }
 
-nlohmann::json Simulator::Call(const char* method, const std::string& path, const nlohmann::json& body) {
+nlohmann::json Simulator::Call(const char* method, const std::string& path, const std::string& sent) {
     const std::unique_ptr<CURL, void (*)(CURL*)> handle(curl_easy_init(), curl_easy_cleanup);
     const std::string url = "http://" + host + path;
-    const std::string sent = body.is_null() ? "" : body.dump();
     std::string received;
     curl_easy_setopt(handle.get(), CURLOPT_URL, url.c_str());
     curl_easy_setopt(handle.get(), CURLOPT_PROXY, "");

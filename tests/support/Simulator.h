@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -50,6 +52,9 @@ public:
     /// Replaces what an array holds.
     void SetState(std::size_t array, const nlohmann::json& state);
 
+    /// Sends a text as it is to a path of the control interface.
+    void Put(const std::string& path, const std::string& text);
+
     /// Arms a fault and returns its number.
     std::uint64_t Arm(const nlohmann::json& fault);
 
@@ -66,10 +71,20 @@ public:
     void ClearJournal();
 
 private:
-    nlohmann::json Call(const char* method, const std::string& path, const nlohmann::json& body = {});
+    nlohmann::json Call(const char* method, const std::string& path, const std::string& sent = {});
 
     std::string host;
     std::vector<std::pair<std::string, std::string>> arrays;
+};
+
+/// A test against the running simulator. Its arrays hold at the beginning what they held when it was started, and each
+/// fault that the test arms has to have hit as many requests as it was armed for by the end.
+class SimulatedTest : public testing::Test {
+protected:
+    void SetUp() override { simulator.Reset(); }
+    void TearDown() override { EXPECT_EQ(simulator.UnfiredFaults(), nlohmann::json::array()); }
+
+    Simulator& simulator = Simulator::Instance();
 };
 
 }  // namespace Korvel::Testing
