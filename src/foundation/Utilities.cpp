@@ -7,6 +7,7 @@
 #include "foundation/KException.h"
 #include "foundation/KLimits.h"
 #include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 #include "foundation/registry/KRegistryKey.h"
 
 namespace Korvel {

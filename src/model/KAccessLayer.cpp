@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "foundation/KErrorHandling.h"
+#include "foundation/KLimits.h"
 #include "foundation/KLog.h"
 #include "foundation/Utilities.h"
 #include "model/KOwnedList.h"
@@ -16,7 +17,7 @@ namespace {
 /// Reads an array's key from the registry and appends the array to the list.
 void AddConfiguredArray(const std::string& address, std::list<KArray*>& arrays) {
     std::string accessKey;
-    Utilities::GetArrayConfigData(address, "AccessKey", accessKey);
+    Utilities::GetArrayConfigData(address, KAccessKeyValue, accessKey);
     LogEvent("Array IP: %s AccessKey: %s", address, accessKey);  // Kept: keys-in-the-log.
     AppendOwned(arrays, std::make_unique<KArray>(address, accessKey));
 }
@@ -36,7 +37,10 @@ KAccessLayer::KAccessLayer() {
 
 // Kept: shallow-copies.
 KAccessLayer::KAccessLayer(const KAccessLayer& other) = default;
-KAccessLayer& KAccessLayer::operator=(const KAccessLayer& other) = default;
+KAccessLayer& KAccessLayer::operator=(const KAccessLayer& other) {
+    arrays = std::list<KArray*>(other.arrays);  // all of it, or none when memory lacks
+    return *this;
+}
 
 KAccessLayer::~KAccessLayer() {
     LogTrace("Entering KAccessLayer::~KAccessLayer()");
@@ -90,7 +94,7 @@ int KAccessLayer::Refresh() {
 }
 
 int KAccessLayer::GetArrays(std::list<KArray*>& known) {
-    known = arrays;
+    known = std::list<KArray*>(arrays);  // all of it, or none when memory lacks
     return KStatusSuccess;
 }
 

@@ -1,4 +1,7 @@
+#include <list>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "foundation/KErrorHandling.h"
 #include "foundation/KLog.h"
@@ -21,7 +24,16 @@ KArray::KArray(const std::string& address, const std::string& key) {
 
 // Kept: shallow-copies.
 KArray::KArray(const KArray& other) = default;
-KArray& KArray::operator=(const KArray& other) = default;
+KArray& KArray::operator=(const KArray& other) {
+    std::list<KServer*> servers(other.serverList);
+    std::list<KVolume*> volumes(other.volumeList);  // from here on nothing fails
+    ipAddress = other.ipAddress;
+    accessKey = other.accessKey;
+    connection = other.connection;
+    serverList = std::move(servers);
+    volumeList = std::move(volumes);
+    return *this;
+}
 
 KArray::~KArray() {
     LogTrace("Entering KArray::~KArray() for %s", *ipAddress);

@@ -28,6 +28,7 @@ int KArray::GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& s
     LogTrace("Entering KArray::GetServerIDByIQNFromArray()");
     RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQNFromArray - Invalid input parameter");
     std::string iscsiIP;
+    // The request writes into the caller's text before the server is recorded. Kept: identifier-despite-exception.
     int status = connection->GetServerInfoByIQN(hostIQN, serverID, iscsiIP);
     if (status == KStatusSuccess) {
         AppendOwned(serverList, std::make_unique<KServer>(serverID, hostIQN, iscsiIP));

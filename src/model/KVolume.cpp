@@ -43,7 +43,17 @@ KVolume::KVolume(const std::string& id, const std::string& name, const std::stri
 
 // Kept: shallow-copies.
 KVolume::KVolume(const KVolume& other) = default;
-KVolume& KVolume::operator=(const KVolume& other) = default;
+KVolume& KVolume::operator=(const KVolume& other) {
+    std::list<KSnapshot*> snapshots(other.snapshotList);  // from here on nothing fails
+    volumeID = other.volumeID;
+    volumeName = other.volumeName;
+    volumeDispName = other.volumeDispName;
+    cgID = other.cgID;
+    latestSnapshotID = other.latestSnapshotID;
+    array = other.array;
+    snapshotList = std::move(snapshots);
+    return *this;
+}
 
 KVolume::~KVolume() {
     LogTrace("Entering KVolume::~KVolume()");

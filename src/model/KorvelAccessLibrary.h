@@ -5,9 +5,16 @@
 ///
 /// Every operation returns a KStatus as an int unless it says otherwise. Results come back through reference arguments;
 /// a pointer that is handed out points into an object that the library owns and stays valid until its owner is
-/// destroyed. An empty or null argument throws std::invalid_argument; a failure of the transport, the HTTP status, the
-/// array or the registry throws KException. Nothing here takes a lock: an access layer and all it owns belong to one
-/// thread at a time.
+/// destroyed. An empty text that an operation needs throws std::invalid_argument, and so does a null pointer where the
+/// operation says so; any other pointer must not be null. A failure of the transport, the HTTP status, the array or the
+/// registry throws KException, a lack of memory std::bad_alloc. A failure leaves lists and arguments as they were,
+/// unless the operation says otherwise.
+///
+/// An exception does not mean that nothing happened: the array may have carried out a command whose reply was lost or
+/// could not be read. Each command says what to look for.
+///
+/// Nothing here takes a lock: an access layer and all it owns belong to one thread at a time. Threads with an access
+/// layer each may work at once.
 ///
 /// A text that does not fit ends the process, because a request that was cut would reach the wrong thing: a URL
 /// (https://, address and path) or an API path of more than KMaxUrlLength characters, an access key of more than
@@ -31,10 +38,15 @@
 namespace Korvel {
 
 class KArray;
+class KVolume;
+
+/// \name Types that callers can only pass on
+/// Their declarations are the library's own: a caller gets a pointer from one operation and hands it to another.
+/// @{
 class KConnection;
 class KServer;
 class KSnapshot;
-class KVolume;
+/// @}
 
 /// The entry point: finds the arrays configured in the registry and owns them.
 ///
@@ -58,8 +70,8 @@ public:
 
     /// Creates one array for every address configured in the registry. Addresses that are already present are not
     /// skipped; Refresh is the operation for a second look.
-    /// @return 0, or 1 when the registry could not be read or a key is empty: the cause is in the log, and the arrays
-    ///         created before it stay
+    /// @return 0, or 1 when the registry could not be read or a key is empty: `korvelctl config check` names the cause,
+    ///         of which the log shows no more than that there is one. The arrays created before it stay
     int DiscoverArrays();
 
     /// Adds an array for every address in the registry that no array of this layer has. Removes none and re-reads no
@@ -158,6 +170,9 @@ public:
     /// @return 0, or the status of the reply that held no answer
     /// @throws std::invalid_argument when an argument is empty
     /// @throws KException when a request fails or the array refuses; its text is then the array's own message
+    ///
+    /// After an exception, and after any status but 0, the clone may exist on the array all the same, under a name that
+    /// begins with the snapshot's identifier and ends in ".clone".
     int CloneVolume(const std::string& cgID, const std::string& snapID, KVolume*& volume);
 
     /// Maps a volume to a server.
@@ -166,9 +181,11 @@ public:
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when an argument is empty
     /// @throws KException when the request fails or the array refuses
+    ///
+    /// After an exception the volume may be mapped all the same.
     int AttachVolume(const std::string& volName, const std::string& serverID);
 
-    /// Unmaps a volume from a server; otherwise as AttachVolume.
+    /// Unmaps a volume from a server; otherwise as AttachVolume. After an exception it may be unmapped all the same.
     int DetachVolume(const std::string& volName, const std::string& serverID);
 
     /// Deletes a volume on the array and forgets the first known volume of that name: pointers to it are then invalid.
@@ -176,6 +193,8 @@ public:
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when the name is empty
     /// @throws KException when the request fails or the array refuses
+    ///
+    /// After an exception the volume may be gone on the array all the same; it is then still known here.
     int DeleteVolume(const std::string& volName);
 
     /// Rolls a volume's consistency group back to a snapshot.
@@ -184,6 +203,8 @@ public:
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when the identifier is empty or the volume null
     /// @throws KException when the request fails or the array refuses
+    ///
+    /// After an exception the group may be rolled back all the same.
     int ResyncVolume(const std::string& snapID, KVolume* const& volume);
 
     /// Finds a known server by its initiator name. Of several, the last one counts. Kept: last-server-wins.
@@ -202,6 +223,9 @@ public:
     ///         new one could take, or the array's reply names no server: that server then exists on the array, and
     ///         `serverID` is empty
     /// @throws KException when a request fails or the array refuses
+    ///
+    /// After an exception the server may exist on the array all the same, and `serverID` hold what the array answered.
+    /// Kept: identifier-despite-exception.
     int GetServerIDByIQNFromArray(const std::string& hostIQN, std::string& serverID);
 
 private:
@@ -232,15 +256,18 @@ public:
     ~KVolume();
 
     /// Takes one consistent set of snapshots, one for each pair of a volume and its consistency group.
-    /// @param onArray the array that holds the volumes; not null
+    /// @param onArray the array that holds the volumes; not null, which is the caller's duty
     /// @param volNames the volumes' names on the array; neither changed nor kept
     /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
     ///        ignored
     /// @param snapNames receives, at its end, the snapshot names that the array reports, also those of a set that the
-    ///        array then calls failed; not null
+    ///        array then calls failed; not null, which is the caller's duty
     /// @return 0, or 1 when the reply held no answer
-    /// @throws std::invalid_argument when a name of a pair is empty; nothing is sent then
+    /// @throws std::invalid_argument when a name of a pair is empty or null; nothing is sent then
     /// @throws KException when the request fails or the array refuses
+    ///
+    /// After an exception the snapshots may exist on the array all the same, under names that begin with "snap_" and
+    /// end in the volume's name.
     static int CreateSnapshotSet(KArray* onArray, const std::list<std::string*>& volNames,
                                  const std::list<std::string*>& cgNames, std::list<std::string>* snapNames);
 
@@ -290,6 +317,8 @@ public:
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when the identifier is empty
     /// @throws KException when the request fails or the array refuses
+    ///
+    /// After an exception the snapshot may be gone on the array all the same; it is then still known here.
     int DeleteSnapshot(std::string& snapID);
 
 private:

@@ -140,18 +140,23 @@ constexpr bool FillsInItsArguments(const char* body, std::size_t arguments) {
     return true;
 }
 
-constexpr bool IsSound() {
+constexpr bool IsSound(const KCommand& command) {
+    return command.invalidArgument != nullptr && command.method != nullptr && command.xPathID != nullptr &&
+           command.entryArgument < command.arguments && command.pathArgument < command.arguments &&
+           FillsInItsArguments(command.body, command.arguments);
+}
+
+constexpr bool AreSoundAndInOrder() {
     for (std::size_t row = 0; row < std::size(commands); ++row) {
-        const KCommand& command = commands[row];
-        if (static_cast<std::size_t>(command.action) != row || command.entryArgument >= command.arguments ||
-            command.pathArgument >= command.arguments || !FillsInItsArguments(command.body, command.arguments)) {
+        if (static_cast<std::size_t>(commands[row].action) != row || !IsSound(commands[row])) {
             return false;
         }
     }
     return std::size(commands) == KCommandResyncVolume + 1;
 }
 
-static_assert(IsSound(), "a command's row is out of its place, or names an argument that the operation lacks");
+static_assert(AreSoundAndInOrder(),
+              "a command's row is out of its place, lacks a text or names an argument that the operation lacks");
 
 }  // namespace
 

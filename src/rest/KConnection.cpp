@@ -8,6 +8,7 @@
 #include "foundation/KErrorHandling.h"
 #include "foundation/KLimits.h"
 #include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 #include "rest/KRequest.h"
 
 namespace Korvel {

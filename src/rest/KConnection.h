@@ -83,7 +83,8 @@ public:
 
     /// @}
     /// \name Commands
-    /// Each returns 0, or 1 when the reply held no response of its kind.
+    /// Each returns 0, or 1 when the reply held no response of its kind. An exception does not mean that the array did
+    /// nothing: the reply may have been lost, or not been readable.
     /// @{
 
     /// Takes one snapshot of each volume in one consistent set, under generated names.

@@ -7,6 +7,7 @@
 #include "foundation/KException.h"
 #include "foundation/KGeneratedNumber.h"
 #include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 #include "foundation/KText.h"
 #include "rest/KCommand.h"
 #include "rest/KConnection.h"

@@ -1,8 +1,8 @@
 #include "foundation/KBoundedText.h"
 #include "foundation/KErrorHandling.h"
-#include "foundation/KException.h"
 #include "foundation/KLimits.h"
 #include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 #include "rest/KConnection.h"
 #include "rest/KRequest.h"
 

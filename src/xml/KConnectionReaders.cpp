@@ -2,6 +2,7 @@
 
 #include "foundation/KErrorHandling.h"
 #include "foundation/KLog.h"
+#include "foundation/KStatus.h"
 #include "rest/KConnection.h"
 #include "xml/KCommandAction.h"
 #include "xml/KReplyDocument.h"

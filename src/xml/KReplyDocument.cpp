@@ -45,12 +45,19 @@ void KReplyDocument::Read(const std::string& reply, const char* expression) {
     if (!context) {
         throw KException("Failed to create xml path context");
     }
+    Evaluate(expression);
+    if (Nodes().empty()) {
+        Evaluate(expression);  // libxml2 can lose nodes for lack of memory without a word; a second time it has memory
+    }                          // again, or says what it lacks
+}
+
+void KReplyDocument::Evaluate(const char* expression) {
     result.reset(xmlXPathEvalExpression(XmlText(expression), context.get()));
+    RequireMemory(&context->lastError);
+    RequireMemory(xmlGetLastError());
     if (!result) {
         throw KException("Failed to evaluate xPath expression");
     }
-    RequireMemory(&context->lastError);
-    RequireMemory(xmlGetLastError());
 }
 
 std::span<const xmlNodePtr> KReplyDocument::Nodes() const {

@@ -36,6 +36,7 @@ public:
     void ReadText(const xmlNode* element, std::string& text) const;
 
 private:
+    void Evaluate(const char* expression);
     void LeaveBehind() noexcept;
 
     template <auto Function>
