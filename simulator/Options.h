@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "array/Inventory.h"
+#include "array/Fill.h"
 
 namespace Korvel::Sim {
 

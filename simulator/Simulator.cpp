@@ -1,5 +1,7 @@
 #include "Simulator.h"
 
+#include "array/Inventory.h"
+
 namespace Korvel::Sim {
 
 Simulator::Simulator(const Options& options)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Options.h"
+#include "array/Fill.h"
 #include "control/Faults.h"
 #include "control/Journal.h"
 #include "wire/ArrayServer.h"

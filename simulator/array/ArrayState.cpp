@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "array/Outcome.h"
 #include "array/Refusal.h"
 
 namespace Korvel::Sim {

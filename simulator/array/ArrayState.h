@@ -9,6 +9,7 @@
 
 #include "array/Form.h"
 #include "array/Inventory.h"
+#include "array/Outcome.h"
 #include "array/Replies.h"
 
 namespace Korvel::Sim {

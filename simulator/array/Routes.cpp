@@ -3,7 +3,10 @@
 #include <optional>
 #include <string_view>
 
+#include "array/Form.h"
+#include "array/Outcome.h"
 #include "array/Refusal.h"
+#include "array/Replies.h"
 #include "array/ReplyWriter.h"
 
 namespace Korvel::Sim {

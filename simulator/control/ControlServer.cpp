@@ -3,6 +3,9 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "array/ArrayState.h"
+#include "array/Inventory.h"
+#include "control/Fault.h"
 #include "control/JsonFields.h"
 
 namespace Korvel::Sim {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Simulator.h"
+#include "array/ArrayState.h"
 #include "wire/LoopbackServer.h"
 
 namespace Korvel::Sim {

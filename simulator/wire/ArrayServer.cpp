@@ -5,6 +5,13 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "array/Inventory.h"
+#include "array/Reply.h"
+#include "array/Routes.h"
+#include "control/Fault.h"
+#include "wire/Request.h"
+#include "wire/WireStream.h"
+
 namespace Korvel::Sim {
 namespace {
 
@@ -80,7 +87,7 @@ ArrayServer::ArrayServer(std::size_t arrayNumber, Inventory inventory, SSL_CTX* 
         Serve(request, response, {});
     };
     Get(anyPath, withoutBody);
-    Options(anyPath, withoutBody);
+    httplib::Server::Options(anyPath, withoutBody);
     Post(anyPath, withBody);
     Put(anyPath, withBody);
     Patch(anyPath, withBody);

@@ -3,10 +3,14 @@
 #include <string>
 
 #include "array/ArrayState.h"
-#include "array/Routes.h"
+#include "array/Inventory.h"
+#include "array/Reply.h"
+#include "control/Fault.h"
 #include "control/Faults.h"
 #include "control/Journal.h"
 #include "wire/LoopbackServer.h"
+#include "wire/Request.h"
+#include "wire/WireStream.h"
 
 namespace Korvel::Sim {
 
