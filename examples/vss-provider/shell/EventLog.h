@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace VssExample {
+
+/// Tells the administrator something: a warning in the system's log of events, under the provider's name. Where the
+/// environment variable KORVEL_VSS_LOG names a file, the line is appended there, too.
+void WriteEvent(const std::string& line);
+
+}  // namespace VssExample
