@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <olectl.h>
+
 #include <string>
 
 #include "shell/ClassFactory.h"
