@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -36,7 +37,10 @@ struct Usage {
 
 Usage UsageNow() {
     Usage usage;
-    GetProcessHandleCount(GetCurrentProcess(), &usage.handles);
+    for (std::uintptr_t number = 4; number < 0x10000; number += 4) {  // one by one: not every system tells the number
+        DWORD flags = 0;
+        usage.handles += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
+    }
     PROCESS_MEMORY_COUNTERS counters = {};
     K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
     usage.memory = counters.PagefileUsage;
