@@ -1,8 +1,10 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <memory>
 
+#include "foundation/KLimits.h"
 #include "foundation/Utilities.h"
 #include "model/KorvelAccessLibrary.h"
 #include "support/RecordingLogger.h"
@@ -48,7 +50,7 @@ std::string Added(const std::string& address, const std::string& key) {
 
 TEST_F(AccessLayerTest, WithoutARootKeyDiscoveryFails) {
     KAccessLayer layer;
-    TakeRecords();
+    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::KAccessLayer()\n3 Exiting KAccessLayer::KAccessLayer()\n");
     EXPECT_EQ(layer.DiscoverArrays(), 1);
     EXPECT_EQ(TakeRecords(),
               "3 Entering KAccessLayer::DiscoverArrays()\n3 Entering Utilities::GetArrayIPList()\n"
@@ -96,30 +98,28 @@ TEST_F(KeptKeyTest, AnArrayWithoutAUsableKeyEndsTheDiscovery) {
                                  "3 Exiting KAccessLayer::DiscoverArrays()\n");
     registry.SetText("b", "AccessKey", "");
     EXPECT_EQ(layer.Refresh(), 1);
-    const std::string records = TakeRecords();
-    EXPECT_NE(records.find("2 Array IP: b AccessKey: \n3 Entering KArray::KArray() for b\n"
-                           "0 KArray Constructor: Invalid input argument\n3 Exiting KAccessLayer::Refresh()\n"),
-              std::string::npos)
-        << records;
+    EXPECT_THAT(TakeRecords(),
+                testing::EndsWith("2 Array IP: b AccessKey: \n3 Entering KArray::KArray() for b\n"
+                                  "0 KArray Constructor: Invalid input argument\n3 Exiting KAccessLayer::Refresh()\n"));
     EXPECT_EQ(Addresses(layer), "a ");
 }
 
 TEST_F(KeptKeyTest, NamesAndValuesFitOrFail) {
     std::vector<std::string> addresses{"kept"};
-    const std::string longest(255, 'a');
+    const std::string longest(KSubkeyNameCapacity - 1, 'a');
     registry.AddArray(longest);
     EXPECT_EQ(Utilities::GetArrayIPList(addresses), 0);
     EXPECT_EQ(addresses, (std::vector<std::string>{"kept", longest}));
 
-    const std::string fits(232, 'b');
-    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(256, 'k'));
+    const std::string fits(KMaxAddressLength, 'b');
+    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(KMaxStoredValueSize, 'k'));
     std::string value = "old";
     EXPECT_EQ(Utilities::GetArrayConfigData(fits, "AccessKey", value), 0);
-    EXPECT_EQ(value, std::string(256, 'k'));
+    EXPECT_EQ(value, std::string(KMaxStoredValueSize, 'k'));
     registry.SetBytes(fits, "AccessKey", 1, {'a', 0, 'b'});
     EXPECT_EQ(Utilities::GetArrayConfigData(fits, "AccessKey", value), 0);
     EXPECT_EQ(value, "a");
-    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(257, 'k'));
+    registry.SetBytes(fits, "AccessKey", 3, std::vector<unsigned char>(KMaxStoredValueSize + 1, 'k'));
     EXPECT_THROW(Utilities::GetArrayConfigData(fits, "AccessKey", value), KException);
     EXPECT_THROW(Utilities::GetArrayConfigData("absent", "AccessKey", value), KException);
     EXPECT_EQ(value, "a");
@@ -170,14 +170,41 @@ TEST_F(KeptKeyTest, OnlyASuccessfulListingLeavesItsKeyOpen) {
 
 #endif
 
-TEST_F(AccessLayerTest, CopiesShareTheirArrays) {
+TEST_F(KeptKeyTest, CopiesShareTheirArrays) {
+    registry.SetText("a", "AccessKey", "k");
     KAccessLayer layer;
+    ASSERT_EQ(layer.DiscoverArrays(), 0);
+    std::list<KArray*> own;
+    std::list<KArray*> shared;
+    layer.GetArrays(own);
+    TakeRecords();
     {
-        const auto copy = std::make_unique<KAccessLayer>(layer);
-        *copy = layer;
-        TakeRecords();
+        KAccessLayer copy(layer);
+        KAccessLayer& same = copy;
+        copy = same;
+        copy.GetArrays(shared);
+        EXPECT_EQ(shared, own);
+        EXPECT_EQ(TakeRecords(), "");
+        copy = KAccessLayer();  // or its destructor would take the arrays along
+        EXPECT_EQ(Addresses(copy), "");
+        copy = layer;
+        copy.GetArrays(shared);
+        EXPECT_EQ(shared, own);
+        copy = KAccessLayer();
     }
-    EXPECT_EQ(TakeRecords(), "3 Entering KAccessLayer::~KAccessLayer()\n3 Exiting KAccessLayer::~KAccessLayer()\n");
+    EXPECT_EQ(Addresses(layer), "a ");
+}
+
+TEST(GlobalStateTest, IsPreparedAndUndoneWithATrace) {
+    TakeRecords();
+    KAccessLayer::GlobalInit();
+    EXPECT_EQ(TakeRecords(),
+              "3 Entering KAccessLayer::GlobalInit()\n3 Entering KConnection::GlobalInit\n"
+              "3 Exiting KConnection::GlobalInit\n3 Exiting KAccessLayer::GlobalInit()\n");
+    KAccessLayer::GlobalCleanup();
+    EXPECT_EQ(TakeRecords(),
+              "3 Entering KAccessLayer::GlobalCleanup()\n3 Entering KConnection::GlobalCleanup\n"
+              "3 Exiting KConnection::GlobalCleanup\n3 Exiting KAccessLayer::GlobalCleanup()\n");
 }
 
 }  // namespace

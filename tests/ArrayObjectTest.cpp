@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <cstdint>
 #include <memory>
 
@@ -9,6 +11,10 @@ namespace Korvel {
 namespace {
 
 using ArrayObjectTest = ArrayTest;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 using Lookup = int (KArray::*)(const std::string&, KVolume*&);
 
 const std::string listing =
@@ -97,11 +103,11 @@ TEST_F(ArrayObjectTest, LookupsSearchMemoryOrAskTheArray) {
         // A miss is told by the caller's pointer: with one set the request's own status comes back.
         KVolume* none = nullptr;
         EXPECT_EQ((fresh.*lookup.fromArray)("absent", none), 2);
-        EXPECT_NE(Records().find("2 " + std::string(lookup.miss) + '\n'), std::string::npos);
+        EXPECT_THAT(Records(), HasSubstr("2 " + std::string(lookup.miss) + '\n'));
         KVolume* set = &other;
         EXPECT_EQ((fresh.*lookup.fromArray)("absent", set), 0);
         EXPECT_EQ(set, &other);
-        EXPECT_EQ(Records().find(lookup.miss), std::string::npos);
+        EXPECT_THAT(Records(), Not(HasSubstr(lookup.miss)));
 
         simulator.Arm({{"kind", "body"}, {"body", "<volumes/>"}, {"path", "/api/volumes"}, {"count", 2}});
         EXPECT_EQ((fresh.*lookup.fromArray)(lookup.key, none), 2);
@@ -155,20 +161,20 @@ TEST_F(ArrayObjectTest, ACloneIsNamedFoundAndKept) {
               "POST /api/consistency_groups/cg1/clone snapshot=snap1&name=snap1_N.clone&timeout=30\n"
               "GET /api/volumes \n");
     const std::string records = Records();
-    EXPECT_EQ(records.find("3 Entering KArray::CloneVolume() with input param cgID: cg1 snapID: snap1\n"
-                           "3 Entering KConnection::CloneVolume for volume snap1\n"),
-              0U);
-    const std::string end =
-        "3 Exiting KConnection::GetVolumeInfoByDispName with return code 0\n"
-        "Korvel.VssProvider 2 Volume clone(" +
-        made["ieeeId"].get<std::string>() + " - " + name + ") created for snapshot(snap1)\n" + Lines("KVolume") +
-        "4 Added clone volume " + name +
-        " to the internal volume list\n3 Exiting KArray::CloneVolume() with return code : 0\n";
-    EXPECT_EQ(records.substr(records.size() - end.size()), end);
+    EXPECT_THAT(records, StartsWith("3 Entering KArray::CloneVolume() with input param cgID: cg1 snapID: snap1\n"
+                                    "3 Entering KConnection::CloneVolume for volume snap1\n"));
+    EXPECT_THAT(records,
+                EndsWith("3 Exiting KConnection::GetVolumeInfoByDispName with return code 0\n"
+                         "Korvel.VssProvider 2 Volume clone(" +
+                         made["ieeeId"].get<std::string>() + " - " + name + ") created for snapshot(snap1)\n" +
+                         Lines("KVolume") + "4 Added clone volume " + name +
+                         " to the internal volume list\n3 Exiting KArray::CloneVolume() with return code : 0\n"));
 
     KVolume* found = nullptr;
     EXPECT_EQ(array.GetVolumeByDispName(displayName, found), 0);
     EXPECT_EQ(found, clone);
+    std::string snapID = "snap1";
+    EXPECT_EQ(clone->DeleteSnapshot(snapID), 0) << "it belongs to the array";
 
     // The clone is made, but the array does not list it: nothing is kept and the caller's pointer stays.
     Answer(200, "<clone-cg-response><status>0</status></clone-cg-response>");
@@ -176,6 +182,11 @@ TEST_F(ArrayObjectTest, ACloneIsNamedFoundAndKept) {
     EXPECT_EQ(found, clone);
     Answer(200, "<none/>");
     EXPECT_EQ(array.CloneVolume("cg1", "snap1", found), 1);
+    Wire();
+    Answer(200, "<none/>");
+    const std::string cut("s\0x", 3);
+    EXPECT_EQ(array.CloneVolume("cg1", cut, found), 1);
+    EXPECT_EQ(Wire(), "POST /api/consistency_groups/cg1/clone snapshot=" + cut + "&name=s_N.clone&timeout=30\n");
     for (const auto& [cg, snapshot] : {std::pair{"", "s"}, {"g", ""}}) {
         EXPECT_EQ(Outcome([&, g = cg, s = snapshot] { return array.CloneVolume(g, s, found); }),
                   "invalid_argument: KArray::CloneVolume - Invalid input parameter");
@@ -184,39 +195,64 @@ TEST_F(ArrayObjectTest, ACloneIsNamedFoundAndKept) {
 
 TEST_F(ArrayObjectTest, VolumesAreMappedUnmappedRolledBackAndDeleted) {
     KVolume* volume = nullptr;
+    KVolume* other = nullptr;
+    array.AddVolumeToList(nullptr);
+    array.GetVolumeByIDFromArray("ieee2", other);
     array.GetVolumeByIDFromArray("ieee1", volume);
     Wire();
     TakeRecords();
-    const auto line = [&](const std::string& text) { return Records().find(text) != std::string::npos; };
     EXPECT_EQ(array.AttachVolume("vol1", "srv1"), 0);
-    EXPECT_TRUE(
-        line("2 Volume vol1 successfully mapped to server ID: srv1\n"
-             "3 Exiting KArray::AttachVolume() with return code : 0\n"));
-    EXPECT_NE(Outcome([&] { return array.DeleteVolume("vol1"); }).find("KException: Volume vol1 is mapped"),
-              std::string::npos);
+    const std::string attached = Records();
+    EXPECT_THAT(attached,
+                StartsWith("3 Entering KArray::AttachVolume() with input param volName: vol1 serverID: srv1\n"));
+    EXPECT_THAT(attached, EndsWith("2 Volume vol1 successfully mapped to server ID: srv1\n"
+                                   "3 Exiting KArray::AttachVolume() with return code : 0\n"));
+    EXPECT_THAT(Outcome([&] { return array.DeleteVolume("vol1"); }), StartsWith("KException: Volume vol1 is mapped"));
     EXPECT_EQ(array.GetVolumeByID("ieee1", volume), 0);
+    Records();
     EXPECT_EQ(array.DetachVolume("vol1", "srv1"), 0);
-    EXPECT_TRUE(
-        line("2 Volume vol1 successfully detached from server ID: srv1\n"
-             "3 Exiting KArray::DetachVolume() with return code : 0\n"));
+    const std::string detached = Records();
+    EXPECT_THAT(detached,
+                StartsWith("3 Entering KArray::DetachVolume() with input param volName: vol1 serverID: srv1\n"));
+    EXPECT_THAT(detached, EndsWith("2 Volume vol1 successfully detached from server ID: srv1\n"
+                                   "3 Exiting KArray::DetachVolume() with return code : 0\n"));
     EXPECT_EQ(array.ResyncVolume("snap1", volume), 0);
-    EXPECT_TRUE(line("3 Entering KArray::ResyncVolume()\n3 Entering KConnection::ResyncVolume with snapID snap1\n"));
+    const std::string rolledBack = Records();
+    EXPECT_THAT(
+        rolledBack,
+        StartsWith("3 Entering KArray::ResyncVolume()\n3 Entering KConnection::ResyncVolume with snapID snap1\n"));
+    EXPECT_THAT(rolledBack, EndsWith("3 Exiting KConnection::ResyncVolume with return code 0\n"
+                                     "3 Exiting KArray::ResyncVolume() with return code : 0\n"));
     std::string snapID = "snap1";
     EXPECT_EQ(volume->DeleteSnapshot(snapID), 0);
     Wire();
     KVolume* second = nullptr;
     array.GetVolumeByIDFromArray("ieee1", second);
+    Records();
     EXPECT_EQ(array.DeleteVolume("vol1"), 0);
-    EXPECT_TRUE(line("2 Volume vol1 successfully deleted in the array\n" + Lines("KVolume", true) +
-                     "3 Exiting KArray::DeleteVolume() with return code : 0\n"));
+    const std::string deleted = Records();
+    EXPECT_THAT(deleted, StartsWith("3 Entering KArray::DeleteVolume() with input param volName: vol1\n"));
+    EXPECT_THAT(deleted, EndsWith("2 Volume vol1 successfully deleted in the array\n" + Lines("KVolume", true) +
+                                  "3 Exiting KArray::DeleteVolume() with return code : 0\n"));
     EXPECT_EQ(array.GetVolumeByID("ieee1", volume), 0) << "only the first of two is forgotten";
     EXPECT_EQ(volume, second);
+    EXPECT_EQ(array.GetVolumeByID("ieee2", volume), 0);
+    EXPECT_EQ(volume, other);
+    for (const auto& call : {&KArray::AttachVolume, &KArray::DetachVolume}) {
+        Answer(200, "<none/>");
+        EXPECT_EQ((array.*call)("vol2", "srv1"), 1);
+        EXPECT_THAT(Records(), Not(HasSubstr("successfully")));
+    }
+    Answer(200, "<none/>");
+    EXPECT_EQ(array.DeleteVolume("vol2"), 1);
+    EXPECT_EQ(array.GetVolumeByID("ieee2", volume), 0);
 
     KVolume* null = nullptr;
     const std::pair<const char*, std::function<int()>> refusals[] = {
         {"AttachVolume", [&] { return array.AttachVolume("", "s"); }},
         {"AttachVolume", [&] { return array.AttachVolume("v", ""); }},
         {"DetachVolume", [&] { return array.DetachVolume("", "s"); }},
+        {"DetachVolume", [&] { return array.DetachVolume("v", ""); }},
         {"DeleteVolume", [&] { return array.DeleteVolume(""); }},
         {"ResyncVolume", [&] { return array.ResyncVolume("s", null); }},
         {"ResyncVolume", [&] { return array.ResyncVolume("", volume); }},
@@ -230,18 +266,23 @@ TEST_F(ArrayObjectTest, ServersAreFoundOrCreated) {
     std::string id = "old";
     EXPECT_EQ(array.GetServerIDByIQN("iqn.a", id), 2);
     EXPECT_EQ(id, "old");
+    Records();
     EXPECT_EQ(array.GetServerIDByIQNFromArray("iqn.a", id), 0);
     EXPECT_EQ(id, "srv1");
+    EXPECT_THAT(Records(), StartsWith("3 Entering KArray::GetServerIDByIQNFromArray()\n"
+                                      "3 Entering KConnection::GetServerInfoByIQN for host iqn iqn.a\n"));
+    EXPECT_EQ(array.GetServerIDByIQN("iqn.A", id), 2) << "a miss among known ones";
+    EXPECT_EQ(Records(),
+              "3 Entering KArray::GetServerIDByIQN()\n3 Exiting KArray::GetServerIDByIQN() with return code : 2\n");
+    EXPECT_EQ(id, "srv1");
     Wire();
-    TakeRecords();
     // A missing server is created with the address that the listing left, the last server's.
     EXPECT_EQ(array.GetServerIDByIQNFromArray("iqn.b", id), 0);
     EXPECT_EQ(Wire(),
               "GET /api/servers \nPOST /api/servers "
               "display_name=iqn.b&iscsi=10.0.0.9&iqn=iqn.b&ipsec=no&force=no\n");
-    EXPECT_NE(Records().find("2 Successfully created server(" + id + ") in the array\n" + Lines("KServer") +
-                             "3 Exiting KArray::GetServerIDByIQNFromArray() with return code : 0\n"),
-              std::string::npos);
+    EXPECT_THAT(Records(), EndsWith("2 Successfully created server(" + id + ") in the array\n" + Lines("KServer") +
+                                    "3 Exiting KArray::GetServerIDByIQNFromArray() with return code : 0\n"));
     std::string known;
     EXPECT_EQ(array.GetServerIDByIQN("iqn.b", known), 0);
     EXPECT_EQ(known, id);
@@ -255,6 +296,9 @@ TEST_F(ArrayObjectTest, ServersAreFoundOrCreated) {
     EXPECT_EQ(Outcome([&] { return array.GetServerIDByIQNFromArray("iqn.c", id); }),
               "invalid_argument: KServer Constructor: Invalid input argument");
     EXPECT_EQ(id, "");
+    simulator.Arm({{"kind", "body"}, {"method", "POST"}, {"body", "<none/>"}});
+    EXPECT_EQ(array.GetServerIDByIQNFromArray("iqn.c", id), 1);
+    EXPECT_EQ(array.GetServerIDByIQN("iqn.c", id), 2);
     Answer(200, "<servers/>");
     EXPECT_EQ(Outcome([&] { return array.GetServerIDByIQNFromArray("iqn.c", id); }),
               "invalid_argument: KConnection::CreateServer - Invalid input argument");
@@ -285,12 +329,18 @@ TEST_F(ArrayObjectTest, SnapshotsAreTakenRecordedAndDeleted) {
     EXPECT_EQ(Outcome([&] { return volume->DeleteSnapshot(snapID); }), "KException: busy");
     TakeRecords();
     EXPECT_EQ(volume->DeleteSnapshot(snapID), 0);
-    EXPECT_NE(Records().find("3 Exiting KConnection::DeleteSnapshot with return code 0\n" + Lines("KSnapshot", true)),
-              std::string::npos);
+    EXPECT_THAT(Records(),
+                EndsWith("3 Exiting KConnection::DeleteSnapshot with return code 0\n" + Lines("KSnapshot", true)));
     EXPECT_EQ(volume->IsSnapAvailable(snapID), 0) << "the second record stays";
     std::string latest;
     volume->GetLatestSnapshotID(latest);
     EXPECT_EQ(latest, snapID);
+    Answer(200, "<none/>");
+    EXPECT_EQ(volume->DeleteSnapshot(snapID), 1);
+    EXPECT_EQ(volume->IsSnapAvailable(snapID), 0);
+    Answer(200, "<delete-snapshot-response><status>0</status></delete-snapshot-response>");
+    std::string unknown = "unknown";
+    EXPECT_EQ(volume->DeleteSnapshot(unknown), 0) << "the array knew it";
     EXPECT_EQ(Outcome([&] { return volume->AddCreatedSnapshot(""); }),
               "invalid_argument: KSnapshot Constructor: Invalid input argument");
 }
@@ -299,8 +349,8 @@ TEST(ObjectTest, OwnWhatTheyHoldAndSayWhenTheyGo) {
     TakeRecords();
     {
         KArray array("address", "key");
-        array.AddServerToList(new KServer("s", "i", ""));
         array.AddServerToList(nullptr);
+        array.AddServerToList(new KServer("s", "i", ""));
         array.AddVolumeToList(nullptr);
         auto* volume = new KVolume("i", "n", "d", "g");
         array.AddVolumeToList(volume);
@@ -311,9 +361,13 @@ TEST(ObjectTest, OwnWhatTheyHoldAndSayWhenTheyGo) {
         EXPECT_EQ(volume->IsSnapAvailable("ab"), 2);
         KVolume* found = nullptr;
         EXPECT_EQ(array.GetVolumeByID("i", found), 0);
-        EXPECT_EQ(TakeRecords().find("3 Entering KArray::KArray() for address\n3 Entering KConnection::KConnection for "
-                                     "address\n3 Exiting KConnection::KConnection\n3 Exiting KArray::KArray()\n"),
-                  0U);
+        std::string id;
+        EXPECT_EQ(array.GetServerIDByIQN("i", id), 0);
+        EXPECT_EQ(array.GetVolumeBySnapID("a", found), 0);
+        EXPECT_THAT(TakeRecords(),
+                    StartsWith("3 Entering KArray::KArray() for address\n3 Entering KConnection::KConnection for "
+                               "address\n3 Exiting KConnection::KConnection\n3 Exiting KArray::KArray()\n" +
+                               Lines("KServer") + Lines("KVolume") + Lines("KSnapshot")));
     }
     EXPECT_EQ(TakeRecords(), "3 Entering KArray::~KArray() for address\n" + Lines("KConnection", true) +
                                  Lines("KServer", true) + "3 Entering KVolume::~KVolume()\n" +
@@ -342,8 +396,84 @@ TEST(ObjectTest, RefuseEmptyTextsAndCutAtZero) {
                   std::string("invalid_argument: ") + name + " Constructor: Invalid input argument");
     }
     EXPECT_EQ(*KServer("s", "i", "").spareString, "");
-    KVolume volume("i", std::string("n\0x", 3), "d", "g");
-    EXPECT_EQ(Names(&volume), "i,n,d,g");
+    const auto withZero = [](const char* text) { return text + std::string("\0x", 2); };
+    auto* volume = new KVolume("i", withZero("n"), withZero("d"), withZero("g"));
+    KArray array("a", "k");
+    array.AddVolumeToList(volume);
+    array.AddServerToList(new KServer(withZero("s"), withZero("q"), ""));
+    EXPECT_EQ(Names(volume), "i,n,d,g");
+    std::string text;
+    EXPECT_EQ(volume->SetLatestSnapshotID(withZero("l")), 0);
+    EXPECT_EQ(volume->GetLatestSnapshotID(text), 0);
+    EXPECT_EQ(text, "l");
+    EXPECT_EQ(array.GetVolumeByDispName("d", volume), 0);
+    EXPECT_EQ(array.GetVolumeByDispName(withZero("d"), volume), 2);
+    EXPECT_EQ(array.GetServerIDByIQN("q", text), 0);
+    EXPECT_EQ(text, "s");
+}
+
+/// An object whose destructor never runs: a copy of it frees what it owns.
+template <typename Object>
+union Undestroyed {
+    template <typename... Arguments>
+    explicit Undestroyed(const Arguments&... arguments) : object(arguments...) {}
+    Undestroyed(const Undestroyed&) = delete;
+    Undestroyed& operator=(const Undestroyed&) = delete;
+    ~Undestroyed() {}
+
+    Object object;
+};
+
+TEST(ObjectTest, CopiesShareWhatTheyOwn) {
+    KArray array("127.0.0.1:1", "k");
+    auto* volume = new KVolume("i", "n", "d", "g");
+    array.AddVolumeToList(volume);
+    array.AddServerToList(new KServer("s", "q", ""));
+    volume->SetArray(&array);
+    volume->AddCreatedSnapshot("snap");
+    const Undestroyed<KArray> spare(std::string("b"), std::string("k"));
+    const Undestroyed<KVolume> spareVolume("i2", "n2", "d2", "g2");
+    TakeRecords();
+    {
+        KArray copy(array);
+        KVolume volumeCopy(*volume);
+        for (int round = 0; round < 2; ++round) {
+            std::string *own = nullptr, *shared = nullptr;
+            KConnection *ownConnection = nullptr, *sharedConnection = nullptr;
+            EXPECT_TRUE(array.GetIPAddress(own) == 0 && copy.GetIPAddress(shared) == 0 && own == shared);
+            EXPECT_TRUE(array.GetConnection(ownConnection) == 0 && copy.GetConnection(sharedConnection) == 0);
+            EXPECT_EQ(ownConnection, sharedConnection);
+            KVolume* found = nullptr;
+            EXPECT_EQ(copy.GetVolumeByID("i", found), 0);
+            EXPECT_EQ(found, volume);
+            std::string text;
+            EXPECT_EQ(copy.GetServerIDByIQN("q", text), 0);
+            EXPECT_TRUE(volume->GetVolumeID(own) == 0 && volumeCopy.GetVolumeID(shared) == 0 && own == shared);
+            EXPECT_TRUE(volume->GetCgIDPtr(own) == 0 && volumeCopy.GetCgIDPtr(shared) == 0 && own == shared);
+            EXPECT_EQ(Names(&volumeCopy), "i,n,d,g");
+            EXPECT_EQ(volumeCopy.GetLatestSnapshotID(text), 0);
+            EXPECT_EQ(text, "snap");
+            EXPECT_EQ(volumeCopy.IsSnapAvailable(text), 0);
+            EXPECT_EQ(Outcome([&] { return volumeCopy.DeleteSnapshot(text); }),
+                      "KException: Failed to perform curl action");
+            copy = spare.object;
+            volumeCopy = spareVolume.object;
+            EXPECT_EQ(copy.GetVolumeByID("i", found), 2);
+            EXPECT_EQ(Names(&volumeCopy), "i2,n2,d2,g2");
+            if (round == 0) {
+                copy = array;
+                volumeCopy = *volume;
+            }
+        }
+        TakeRecords();
+    }
+    EXPECT_EQ(TakeRecords(), Lines("KVolume", true) + "3 Entering KArray::~KArray() for b\n" +
+                                 Lines("KConnection", true) + "3 Exiting KArray::~KArray()\n");
+    const KException failure("text");
+    KException copy(failure);
+    EXPECT_STREQ(copy.ErrorText(), "text");
+    copy = KException("other");
+    EXPECT_STREQ(copy.ErrorText(), "other");
 }
 
 }  // namespace

@@ -4,10 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -15,6 +19,8 @@
 #include <vector>
 
 #if !defined(_WIN32)
+#include <fcntl.h>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -49,6 +55,16 @@ std::string ContentOf(const std::string& path) {
     return content.str();
 }
 
+/// @return the log file of this run; a child that comes through here again finds it in its environment
+std::string OwnPath() {
+    if (const char* inherited = std::getenv("KORVEL_LOGGER_TEST_FILE"); inherited != nullptr) {
+        return inherited;
+    }
+    std::string path = testing::TempDir() + "korvel-logger-test-" + std::to_string(std::random_device()()) + ".log";
+    Set("KORVEL_LOGGER_TEST_FILE", path);
+    return path;
+}
+
 class LoggerTest : public testing::Test {
 protected:
     LoggerTest() {
@@ -57,7 +73,7 @@ protected:
     }
     ~LoggerTest() override { std::filesystem::remove(path); }  // not before: a child may come through here, too
 
-    const std::string path = testing::TempDir() + "korvel-logger-test.log";
+    const std::string path = OwnPath();
 };
 
 TEST_F(LoggerTest, WritesRecordsUpToTheSetLevel) {
@@ -69,11 +85,15 @@ TEST_F(LoggerTest, WritesRecordsUpToTheSetLevel) {
         std::exit(0);
     };
     const std::string zero = head + "0 Test level 0\n";
-    const std::string notNumber = "Korvel log: KORVEL_LOG_LEVEL is not a number: \"3x\"; level 0 is used\n";
+    const auto notNumber = [](const std::string& text) {
+        return "Korvel log: KORVEL_LOG_LEVEL is not a number: \"" + text + "\"; level 0 is used\n";
+    };
     EXPECT_EXIT(logAllLevels(""), testing::ExitedWithCode(0), Reads(zero));
     EXPECT_EXIT(logAllLevels("3"), testing::ExitedWithCode(0),
                 Reads(zero + head + "2 Test level 2\n" + head + "3 Test level 3\n"));
-    EXPECT_EXIT(logAllLevels("3x"), testing::ExitedWithCode(0), Reads(notNumber + zero));
+    for (const char* text : {"3x", "x", " 3", "99999999999"}) {
+        EXPECT_EXIT(logAllLevels(text), testing::ExitedWithCode(0), Reads(notNumber(text) + zero));
+    }
     EXPECT_EXIT(logAllLevels("-1"), testing::ExitedWithCode(0), "^$");
 }
 
@@ -193,6 +213,42 @@ TEST_F(LoggerTest, SurvivesAReaderThatIsGone) {
         std::exit(0);
     };
     EXPECT_EXIT(logToBrokenPipe(), testing::ExitedWithCode(0), "");
+}
+
+// The pipe is full most of the time, and signals interrupt the writer, whether it waits in write() or in poll().
+TEST_F(LoggerTest, WritesARecordWholeThroughASlowAndInterruptedPipe) {
+    const auto logThroughPipe = [](int flags) {
+        int ends[2];
+        struct sigaction action {};
+        action.sa_handler = [](int) {};  // without SA_RESTART: write() returns
+        if (pipe(ends) != 0 || fcntl(ends[1], F_SETFL, flags) != 0 || sigaction(SIGUSR1, &action, nullptr) != 0) {
+            std::exit(2);
+        }
+        const int ownError = dup(STDERR_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+        std::string received;
+        std::atomic<bool> written = false;
+        std::thread reader([&, writer = pthread_self()] {
+            std::array<char, 4096> block;
+            for (ssize_t count = 1; count > 0;) {
+                if (!written) {
+                    pthread_kill(writer, SIGUSR1);
+                }
+                count = read(ends[0], block.data(), block.size());
+                received.append(block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            }
+        });
+        const std::string text(1000000, 'x');
+        Log(0, "%s", text.c_str());
+        written = true;
+        dup2(ownError, STDERR_FILENO);  // the pipe's last writing end is closed
+        reader.join();
+        std::exit(received.size() > 26 && received.substr(24) == " 0 Test " + text + '\n' ? 0 : 1);
+    };
+    for (const int flags : {0, O_NONBLOCK}) {
+        EXPECT_EXIT(logThroughPipe(flags), testing::ExitedWithCode(0), "^$");
+    }
 }
 #else
 TEST_F(LoggerTest, SurvivesAReaderThatIsGone) {

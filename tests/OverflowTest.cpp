@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/KBoundedText.h"
+#include "foundation/KLimits.h"
 #include "foundation/Utilities.h"
 #include "rest/KConnection.h"
 #include "support/Outcome.h"
@@ -15,23 +16,30 @@ int ListVolumes(const std::string& address, const std::string& key) {
 
 int ReadKey(const std::string& address) {
     std::string value;
-    return Utilities::GetArrayConfigData(address, "AccessKey", value);
+    return Utilities::GetArrayConfigData(address, KAccessKeyValue, value);
 }
 
+// What the documents tell callers.
+static_assert(KMaxUrlLength == 255 && KMaxAccessKeyLength == 241 && KMaxAddressLength == 232);
+static_assert(KRegistryRootKey == R"(SOFTWARE\Korvel\HwProvider)" && KMaxStoredValueSize == 256);
+
 TEST(OverflowTest, WhatJustFitsIsWhole) {
-    EXPECT_EQ(KRequestText("%s", std::string(255, 'a')).Text(), std::string(255, 'a'));
+    const std::string longest(KMaxUrlLength, 'a');
+    EXPECT_EQ(KRequestText("%s", longest).Text(), longest);
     EXPECT_STREQ(KErrorText("HTTP return code: %ld.", 404L).Text(), "HTTP return code: 404.");
-    EXPECT_EQ(Outcome([] { return ListVolumes("127.0.0.1:1", std::string(241, 'k')); }),
+    EXPECT_EQ(Outcome([] { return ListVolumes("127.0.0.1:1", std::string(KMaxAccessKeyLength, 'k')); }),
               "KException: Failed to perform curl action");
-    EXPECT_EQ(Outcome([] { return ReadKey(std::string(232, 'a')); }), "KException: Failed to open registry key");
+    EXPECT_EQ(Outcome([] { return ReadKey(std::string(KMaxAddressLength, 'a')); }),
+              "KException: Failed to open registry key");
 }
 
 // The line names the capacity and the format and, since the arguments may hold a key, nothing else.
 TEST(OverflowDeathTest, WhatDoesNotFitEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_DEATH(ListVolumes("a", std::string(242, 'k')), "256 characters, format \"X-Access-Key: %s\"");
-    EXPECT_DEATH(ListVolumes(std::string(236, 'a'), "k"), "256 characters, format \"https://%s%s\"");
-    EXPECT_DEATH(ReadKey(std::string(233, 'a')), "260 characters, format .*HwProvider");
+    EXPECT_DEATH(ListVolumes("a", std::string(KMaxAccessKeyLength + 1, 'k')),
+                 "256 characters, format \"X-Access-Key: %s\"");
+    EXPECT_DEATH(ListVolumes(std::string(KMaxUrlLength, 'a'), "k"), "256 characters, format \"https://%s%s\"");
+    EXPECT_DEATH(ReadKey(std::string(KMaxAddressLength + 1, 'a')), "260 characters, format .*HwProvider");
 }
 
 }  // namespace

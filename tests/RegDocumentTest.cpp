@@ -1,7 +1,9 @@
 #include "foundation/registry/regfile/KRegDocument.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -16,22 +18,26 @@ struct TemporaryFile {
     explicit TemporaryFile(const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
     ~TemporaryFile() { std::filesystem::remove(path); }
 
-    const std::string path = testing::TempDir() + "korvel-registry-file-test.reg";
+    const std::string path = testing::TempDir() + "korvel-registry-file-test-" + std::to_string(getpid()) + ".reg";
 };
 
 KRegDocument Load(const std::string& bytes) {
     return KRegDocument(TemporaryFile(bytes).path);
 }
 
-/// The fault that keeps `bytes` from being read, from the line's number on; empty if there is none.
-std::string FaultOf(const std::string& bytes) {
+/// The fault that keeps a file from being read, from what follows its name on; empty if there is none.
+std::string FaultOfFile(const std::string& path) {
     try {
-        Load(bytes);
+        const KRegDocument file(path);
     } catch (const KRegError& error) {
-        const std::string text = error.what();
-        return text.substr(text.find(".reg:") + 5);
+        EXPECT_EQ(std::string(error.what()).substr(0, path.size() + 1), path + ':');
+        return error.what() + path.size() + 1;
     }
     return "";
+}
+
+std::string FaultOf(const std::string& bytes) {
+    return FaultOfFile(TemporaryFile(bytes).path);
 }
 
 /// The bytes of value `name` of key `key`, or "(none)".
@@ -168,10 +174,32 @@ TEST(RegistryFile, NamesTheLineAndItsFault) {
 TEST(RegistryFile, RefusesWhatIsNoReadableFile) {
     const TemporaryFile file(header);
     std::filesystem::resize_file(file.path, (64U << 20U) + 1);
-    EXPECT_THROW(KRegDocument{file.path}, KRegError);
-    EXPECT_THROW(KRegDocument{"/dev/zero"}, KRegError);
-    EXPECT_THROW(KRegDocument{testing::TempDir()}, KRegError);
-    EXPECT_THROW(KRegDocument{testing::TempDir() + "korvel-no-such-file.reg"}, KRegError);
+    EXPECT_EQ(FaultOfFile(file.path), " is longer than 64 MiB");
+    EXPECT_EQ(FaultOfFile("/dev/zero"), " is not a regular file");
+    EXPECT_EQ(FaultOfFile(testing::TempDir()), " is not a regular file");
+    EXPECT_EQ(FaultOfFile(file.path + ".none"), " No such file or directory");
+}
+
+TEST(RegistryFile, ReadsLongFilesWhole) {
+    std::u16string text = u"Windows Registry Editor Version 5.00\r\n[HKEY_LOCAL_MACHINE\\K]\r\n\"a\"=\"";
+    std::string expected;
+    for (int count = 0; count < 20000; ++count) {
+        text += u'\u00e4';
+        expected += "\xc3\xa4";
+    }
+    const KRegDocument file = Load("\xff\xfe" + Utf16(text + u"\"\r\n[HKEY_LOCAL_MACHINE\\Last]\r\n"));
+    EXPECT_EQ(Value(file, "K", "a"), expected + '\0');
+    EXPECT_NE(file.Find("Last"), nullptr);
+}
+
+TEST(RegistryFile, LiesWhereTheEnvironmentSays) {
+    unsetenv("KORVEL_REGISTRY");
+    EXPECT_EQ(KRegDocument::ConfiguredPath(), "/etc/korvel/registry.reg");
+    setenv("KORVEL_REGISTRY", "", 1);
+    EXPECT_EQ(KRegDocument::ConfiguredPath(), "/etc/korvel/registry.reg");
+    setenv("KORVEL_REGISTRY", "elsewhere", 1);
+    EXPECT_EQ(KRegDocument::ConfiguredPath(), "elsewhere");
+    unsetenv("KORVEL_REGISTRY");
 }
 
 }  // namespace

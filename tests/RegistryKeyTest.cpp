@@ -5,19 +5,20 @@
 #include <fstream>
 #include <vector>
 
+#include "foundation/KLimits.h"
 #include "support/TestRegistry.h"
 
 namespace Korvel {
 namespace {
 
-constexpr const char* root = "SOFTWARE\\Korvel\\HwProvider";
+const char* const root = R"(SOFTWARE\Korvel\HwProvider)";
 
 class RegistryKey : public testing::Test {
 protected:
-    /// The value's bytes as read into a buffer of 256, or "(none)".
+    /// The value's bytes as read into a buffer of the library's size, or "(none)".
     static std::string Read(const std::string& path, const char* valueName) {
         KRegistryKey key;
-        unsigned char buffer[256];
+        unsigned char buffer[KMaxStoredValueSize];
         std::size_t size = sizeof buffer;
         const bool read =
             key.Open(path.c_str(), KRegistryKey::Access::QueryValue) && key.ReadValue(valueName, buffer, size);
@@ -56,7 +57,7 @@ TEST_F(RegistryKey, OpensWhatIsThere) {
 }
 
 TEST_F(RegistryKey, ListsSubkeysUpToTheLimit) {
-    const std::vector<std::string> addresses = {"10.0.0.21", "Array-b", std::string(255, 'n')};
+    const std::vector<std::string> addresses = {"10.0.0.21", "Array-b", std::string(KSubkeyNameCapacity - 1, 'n')};
     for (const std::string& address : addresses) {
         registry.AddArray(address);
     }
@@ -64,15 +65,15 @@ TEST_F(RegistryKey, ListsSubkeysUpToTheLimit) {
     unsigned long count = 0;
     ASSERT_TRUE(key.CountSubkeys(count));
     ASSERT_EQ(count, 3U);
-    char name[256];
+    char name[KSubkeyNameCapacity];
     for (unsigned long index = 0; index < count; ++index) {
         ASSERT_TRUE(key.ReadSubkeyName(index, name, sizeof name));
         EXPECT_EQ(name, addresses[index]);
     }
-    EXPECT_FALSE(key.ReadSubkeyName(2, name, 255)) << "no room for the terminating zero";
+    EXPECT_FALSE(key.ReadSubkeyName(2, name, sizeof name - 1)) << "no room for the terminating zero";
     EXPECT_FALSE(key.ReadSubkeyName(3, name, sizeof name));
 #if !defined(_WIN32)  // The registry itself stores no longer name.
-    registry.AddArray(std::string(256, 'm'));
+    registry.AddArray(std::string(KSubkeyNameCapacity, 'm'));
     ASSERT_TRUE(key.Open(root, KRegistryKey::Access::Read));
     EXPECT_TRUE(key.ReadSubkeyName(2, name, sizeof name));
     EXPECT_FALSE(key.ReadSubkeyName(3, name, sizeof name));
@@ -90,14 +91,14 @@ TEST_F(RegistryKey, ReadsValuesUpToTheLimit) {
     EXPECT_EQ(Read(array, ""), "(none)") << "no default value";
     EXPECT_EQ(Read(root, "AccessKey"), "(none)");
 
-    registry.SetText("10.0.0.21", "AccessKey", std::string(255, 'k'));
-    EXPECT_EQ(Read(array, "AccessKey").size(), 256U);
-    registry.SetText("10.0.0.21", "AccessKey", std::string(256, 'k'));
+    registry.SetText("10.0.0.21", "AccessKey", std::string(KMaxStoredValueSize - 1, 'k'));
+    EXPECT_EQ(Read(array, "AccessKey").size(), KMaxStoredValueSize);
+    registry.SetText("10.0.0.21", "AccessKey", std::string(KMaxStoredValueSize, 'k'));
     EXPECT_EQ(Read(array, "AccessKey"), "(none)");
     for (const unsigned long type : {1UL, 3UL, 4711UL}) {
-        registry.SetBytes("10.0.0.21", "AccessKey", type, std::vector<unsigned char>(256, 'k'));
-        EXPECT_EQ(Read(array, "AccessKey"), std::string(256, 'k')) << type;
-        registry.SetBytes("10.0.0.21", "AccessKey", type, std::vector<unsigned char>(257, 'k'));
+        registry.SetBytes("10.0.0.21", "AccessKey", type, std::vector<unsigned char>(KMaxStoredValueSize, 'k'));
+        EXPECT_EQ(Read(array, "AccessKey"), std::string(KMaxStoredValueSize, 'k')) << type;
+        registry.SetBytes("10.0.0.21", "AccessKey", type, std::vector<unsigned char>(KMaxStoredValueSize + 1, 'k'));
         EXPECT_EQ(Read(array, "AccessKey"), "(none)") << type;
     }
     registry.SetBytes("10.0.0.21", "AccessKey", 3, {});

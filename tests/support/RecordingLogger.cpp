@@ -10,6 +10,7 @@ namespace {
 
 std::mutex guard;
 std::string records;
+std::function<void()> watch;
 
 }  // namespace
 
@@ -24,6 +25,9 @@ void Logger::Write(int level, char* module, char* format, ...) {
     va_end(arguments);
     const std::string writer(module);
     const std::lock_guard<std::mutex> lock(guard);
+    if (watch) {
+        watch();
+    }
     records +=
         (writer == "Korvel.KAccessLibrary" ? "" : writer + ' ') + std::to_string(level) + ' ' + text.data() + '\n';
 }
@@ -31,4 +35,9 @@ void Logger::Write(int level, char* module, char* format, ...) {
 std::string Korvel::TakeRecords() {
     const std::lock_guard<std::mutex> lock(guard);
     return std::exchange(records, {});
+}
+
+void Korvel::WatchRecords(std::function<void()> watcher) {
+    const std::lock_guard<std::mutex> lock(guard);
+    watch = std::move(watcher);
 }
