@@ -349,7 +349,10 @@ TEST_F(ConnectionTest, CombinedQueriesLogAFailureTwice) {
                   "3 Exiting KConnection::ParseVolumeXMLByName with return code 2\n"
                   "3 Exiting KConnection::GetVolumeInfoByDispName with return code 2\n");
     EXPECT_EQ(connection->GetServerInfoByIQN("iqn.a", id, id), 0);
-    EXPECT_THAT(Records(), testing::EndsWith("3 Exiting KConnection::ParseServerXMLByIQN with return code 0\n"
+    EXPECT_THAT(Records(), testing::EndsWith("3 Exiting KConnection::ListServers with return code 0\n"
+                                             "3 Entering KConnection::ParseServerXMLByIQN for hostIQN iqn.a\n"
+                                             "2 serverID: srv1, hostIQN: iqn.a, iscsiIP: srv1\n"
+                                             "3 Exiting KConnection::ParseServerXMLByIQN with return code 0\n"
                                              "3 Exiting KConnection::GetServerInfoByIQN with return code 0\n"));
 }
 
