@@ -6,6 +6,8 @@
 #include "model/KServer.h"
 #include "model/KSnapshot.h"
 #include "support/ArrayTest.h"
+#include "support/Outcome.h"
+#include "support/RecordingLogger.h"
 
 namespace Korvel {
 namespace {

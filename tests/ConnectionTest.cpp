@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "support/ArrayTest.h"
+#include "support/Outcome.h"
+#include "support/RecordingLogger.h"
 
 namespace Korvel {
 namespace {

@@ -12,6 +12,8 @@
 #include "rest/KCommand.h"
 #include "rest/KConnection.h"
 #include "rest/KRequest.h"
+#include "xml/CommandResponse.h"
+#include "xml/KCommandAction.h"
 
 namespace Korvel {
 

@@ -1,10 +1,13 @@
 #include "foundation/KBoundedText.h"
 #include "foundation/KErrorHandling.h"
+#include "foundation/KFormat.h"
 #include "foundation/KLimits.h"
 #include "foundation/KLog.h"
 #include "foundation/KStatus.h"
 #include "rest/KConnection.h"
 #include "rest/KRequest.h"
+#include "xml/KSnapshotRecord.h"
+#include "xml/KVolumeRecord.h"
 
 namespace Korvel {
 

@@ -1,11 +1,15 @@
 #include <utility>
 
 #include "foundation/KErrorHandling.h"
+#include "foundation/KFormat.h"
 #include "foundation/KLog.h"
 #include "foundation/KStatus.h"
 #include "rest/KConnection.h"
+#include "xml/CommandResponse.h"
 #include "xml/KCommandAction.h"
 #include "xml/KReplyDocument.h"
+#include "xml/KSnapshotRecord.h"
+#include "xml/KVolumeRecord.h"
 
 namespace Korvel {
 

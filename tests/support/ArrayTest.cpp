@@ -2,6 +2,8 @@
 
 #include <regex>
 
+#include "support/RecordingLogger.h"
+
 namespace Korvel {
 
 namespace {

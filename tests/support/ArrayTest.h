@@ -6,8 +6,6 @@
 
 #include "model/KorvelAccessLibrary.h"
 #include "rest/KConnection.h"
-#include "support/Outcome.h"
-#include "support/RecordingLogger.h"
 #include "support/Simulator.h"
 
 namespace Korvel {

@@ -8,6 +8,7 @@
 #include "foundation/registry/KRegistryKey.h"
 #include "foundation/registry/regfile/KRegDocument.h"
 #include "foundation/registry/regfile/KRegError.h"
+#include "foundation/registry/regfile/KRegNode.h"
 
 namespace Korvel {
 
