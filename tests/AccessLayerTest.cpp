@@ -7,6 +7,7 @@
 #include "foundation/KLimits.h"
 #include "foundation/Utilities.h"
 #include "model/KorvelAccessLibrary.h"
+#include "support/OpenDescriptors.h"
 #include "support/RecordingLogger.h"
 #include "support/TestRegistry.h"
 
@@ -127,20 +128,10 @@ TEST_F(KeptKeyTest, NamesAndValuesFitOrFail) {
 
 #if defined(_WIN32)  // elsewhere an open key is memory, and the leak sanitizer's to count
 
-/// @return the number of the process's open handles; counted one by one, since not every system tells the number
-long OpenHandles() {
-    long open = 0;
-    for (std::uintptr_t number = 4; number < 0x10000; number += 4) {
-        DWORD flags = 0;
-        open += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != 0 ? 1 : 0;
-    }
-    return open;
-}
-
 /// @return how many more handles the process has after a thousand calls, whether they fail or not
 template <typename Call>
-long HandlesLeftBy(Call call) {
-    const long before = OpenHandles();
+unsigned long HandlesLeftBy(Call call) {
+    const unsigned long before = Testing::OpenDescriptors(16384);
     for (int i = 0; i < 1000; ++i) {
         try {
             call();
@@ -148,7 +139,7 @@ long HandlesLeftBy(Call call) {
         }
     }
     TakeRecords();
-    return OpenHandles() - before;
+    return Testing::OpenDescriptors(16384) - before;
 }
 
 TEST_F(KeptKeyTest, OnlyASuccessfulListingLeavesItsKeyOpen) {

@@ -1,6 +1,7 @@
 #include "torture/Calls.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 
 #include "model/KServer.h"
@@ -109,9 +110,7 @@ int ReadResponse(Scene& s, int action) {
     CommandResponse answer;
     answer.snapshotNames = &s.names;
     const int status = s.connection->ParseResponseXML(response, "//x", action, answer);
-    s.texts[0] = std::move(answer.status);
-    s.texts[1] = std::move(answer.statusMsg);
-    s.texts[2] = std::move(answer.name);
+    s.texts[0] = answer.status == "0" && answer.statusMsg == "a<b" ? std::move(answer.name) : "wrong";
     return status;
 }
 
@@ -156,8 +155,17 @@ Scene::Scene(const std::string& arrayAddress, const std::string& arrayKey)
     Add(array, &KArray::AddServerToList, Server());
     volume->AddCreatedSnapshot("snap-00000001");
     array.GetConnection(connection);
-    List<KArray*>(layer).push_back(new KArray("first", "key"));
+    volume->AddCreatedSnapshot("snap-older");
+    // The copies hold less than what is assigned to them, and other things.
+    arrayCopy.object.AddVolumeToList(volume);
+    List<KSnapshot*>(volumeCopy.object).push_back(List<KSnapshot*>(*volume).back());
+    for (const char* const name : {"first", "second"}) {
+        List<KArray*>(layer).push_back(new KArray(name, "key"));
+    }
+    List<KArray*>(layerCopy.object).push_back(List<KArray*>(layer).back());
 }
+
+Scene::~Scene() = default;
 
 std::string Scene::Known() const {
     return Shown(array) + '|' + Shown(arrayCopy.object) + '|' + Shown(List<KArray*>(layerCopy.object)) + '|' +
@@ -166,8 +174,9 @@ std::string Scene::Known() const {
 
 std::string Scene::Given() const {
     std::string shown = (found == nullptr ? "-" : Shown(*found)) + (own == nullptr ? "-" : *own);
+    shown += '|' + Shown(List<KArray*>(layer)) + Shown(arrays);
     for (const std::string& text : texts) {
-        shown += '|' + text;
+        shown += text.empty() ? "" : '|' + text;  // so that what comes in part is the beginning of the whole
     }
     for (const std::string& name : names) {
         shown += ';' + name;
@@ -178,7 +187,7 @@ std::string Scene::Given() const {
     for (const auto& [name, displayName] : snapshotRecords) {
         shown += ';' + name + ',' + displayName;
     }
-    return shown + '|' + Shown(arrays) + '|' + Shown(List<KArray*>(layer));
+    return shown;
 }
 
 const std::vector<Call>& ProcessCalls() {
@@ -194,8 +203,8 @@ const std::vector<Call>& Calls() {
         {"KAccessLayer::KAccessLayer", [](Scene&) { return KAccessLayer(), 0; }},
         {"KAccessLayer::KAccessLayer(copy)", [](Scene& s) { return Copy(s.layer); }},
         {"KAccessLayer::operator=", [](Scene& s) { return s.layerCopy.object = s.layer, 0; }},
-        {"KAccessLayer::DiscoverArrays", [](Scene& s) { return s.layer.DiscoverArrays(); }, {}, true},
-        {"KAccessLayer::Refresh", [](Scene& s) { return s.layer.Refresh(); }, {}, true},
+        {"KAccessLayer::DiscoverArrays", [](Scene& s) { return s.layer.DiscoverArrays(); }, {}, true, 1},
+        {"KAccessLayer::Refresh", [](Scene& s) { return s.layer.Refresh(); }, {}, true, 1},
         {"KAccessLayer::GetArrays", [](Scene& s) { return s.layer.GetArrays(s.arrays); }, {}, true},
         {"KAccessLayer::ValidateArray",
          [](Scene& s) { return s.layer.ValidateArray(s.address, s.key); },
@@ -284,7 +293,12 @@ const std::vector<Call>& Calls() {
          {},
          true},
         {"KConnection::ParseServerXMLByIQN",
-         [](Scene& s) { return s.connection->ParseServerXMLByIQN(servers, "q2x", s.texts[0], s.texts[1]); }},
+         [](Scene& s) {
+             std::string address;  // changes with every server that is read
+             const int status = s.connection->ParseServerXMLByIQN(servers, "q2x", s.texts[0], address);
+             s.texts[1] = std::move(address);
+             return status;
+         }},
         {"KConnection::ParseResponseXML(set)", [](Scene& s) { return ReadResponse(s, 0); }, {}, true},
         {"KConnection::ParseResponseXML(server)", [](Scene& s) { return ReadResponse(s, 2); }},
         {"KConnection::ParseSnapshotList",
@@ -307,6 +321,16 @@ nlohmann::json Inventory(nlohmann::json state) {
     state["snapshots"].erase("cg-00000003");  // so that its volume can be deleted
     std::rotate(state["volumes"].begin(), std::prev(state["volumes"].end()), state["volumes"].end());
     return state;
+}
+
+bool Whole() {
+    const char* const wanted = std::getenv("KORVEL_TORTURE");
+    return wanted != nullptr && std::string(wanted) == "whole";
+}
+
+std::ofstream Figures(const std::string& name) {
+    const char* const folder = std::getenv("KORVEL_TORTURE_FIGURES");
+    return folder == nullptr ? std::ofstream() : std::ofstream(std::string(folder) + '/' + name);
 }
 
 }  // namespace Korvel::Torture

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <fstream>
 #include <list>
 #include <memory>
 #include <string>
@@ -23,6 +24,9 @@ union Shallow {
 /// server, and what the calls hand out.
 struct Scene {
     Scene(const std::string& arrayAddress, const std::string& arrayKey);
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
 
     /// @return what the objects hold, as text without generated numbers
     std::string Known() const;
@@ -62,6 +66,7 @@ struct Call {
     int (*run)(Scene&);
     std::vector<Request> requests = {};
     bool partStays = false;  ///< what was handed out before an exception stays
+    int failure = -1;        ///< the status that stands for an exception
 };
 
 /// @return every public call and every reader
@@ -75,5 +80,11 @@ int NextCall(Scene& scene);
 
 /// @return what an array holds for the calls, made of what an array of three volumes with snapshots holds at start
 nlohmann::json Inventory(nlohmann::json state);
+
+/// @return whether all is to be tried and not only a part: KORVEL_TORTURE is "whole"
+bool Whole();
+
+/// @return a file for rows of figures in the folder that KORVEL_TORTURE_FIGURES names; without it one that is not open
+std::ofstream Figures(const std::string& name);
 
 }  // namespace Korvel::Torture
