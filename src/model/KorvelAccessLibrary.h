@@ -62,10 +62,12 @@ public:
     /// Destroys every array of the layer with all they own.
     ~KAccessLayer();
 
-    /// Prepares the process for requests. Call it once, before the first request and while no other thread runs one.
+    /// Prepares the process for requests. Call it once, before the first request and while no other thread runs one;
+    /// not from a DLL's entry point.
     static void GlobalInit();
 
-    /// Undoes GlobalInit. Call it once, after the last access layer is gone.
+    /// Undoes GlobalInit. Call it once, after the last access layer is gone and the last request has ended: as long as
+    /// an array that hangs keeps a thread, it has to wait.
     static void GlobalCleanup();
 
     /// Creates one array for every address configured in the registry. Addresses that are already present are not
@@ -139,9 +141,9 @@ public:
     int GetVolumeByID(const std::string& volID, KVolume*& volume);
 
     /// Finds a volume on the array by its IEEE identifier and adds it to the known volumes.
-    /// @param volID the IEEE identifier, compared exactly
+    /// @param volID the IEEE identifier, compared exactly, the case of its digits too
     /// @param volume pass it null; receives the new volume, owned by the array; unchanged on a miss
-    /// @return 0, or 2 when the array lists no such volume
+    /// @return 0, or 2 when the array lists no such volume or no volume at all
     /// @throws std::invalid_argument when the identifier is empty or the array's record lacks a field
     /// @throws KException when the request fails
     int GetVolumeByIDFromArray(const std::string& volID, KVolume*& volume);
@@ -166,8 +168,10 @@ public:
     /// Makes a new volume from a snapshot and adds it to the known volumes.
     /// @param cgID the consistency group's identifier
     /// @param snapID the snapshot's identifier
-    /// @param volume receives the clone, owned by the array; unchanged on failure
-    /// @return 0, or the status of the reply that held no answer
+    /// @param volume receives the clone, owned by the array; unchanged on failure. Its identifier is the
+    ///        IEEE identifier, its display name begins with the snapshot's identifier and ends in ".clone"
+    /// @return 0; the status of the reply that held no answer; or 2 when the array has made the clone and does not list
+    ///         it
     /// @throws std::invalid_argument when an argument is empty
     /// @throws KException when a request fails or the array refuses; its text is then the array's own message
     ///
@@ -261,7 +265,8 @@ public:
     /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
     ///        ignored
     /// @param snapNames receives, at its end, the snapshot names that the array reports, also those of a set that the
-    ///        array then calls failed; not null, which is the caller's duty
+    ///        array then calls failed; not null, which is the caller's duty. They come in the reply's order: nothing
+    ///        ties a name to its volume, nor is their number compared with that of the pairs
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when a name of a pair is empty or null; nothing is sent then
     /// @throws KException when the request fails or the array refuses
