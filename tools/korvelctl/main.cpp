@@ -1,30 +1,26 @@
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
-#include "library/Operation.h"
+#include "commands/Misspelling.h"
+#include "crew/Crew.h"
+#include "crew/Patience.h"
+#include "library/Explanation.h"
 #include "outcome/Failure.h"
 #include "outcome/JsonWriter.h"
 #include "outcome/Report.h"
 #include "outcome/TableWriter.h"
-#include "terminal/System.h"
+#include "terminal/LogFile.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
 namespace {
-
-/// The logging library reads its settings from the environment, when the first record is written.
-void SetLogging(const CommandLine& line) {
-    if (!line.logFile.empty()) {
-        SetEnvironment("KORVEL_LOG_FILE", line.logFile);
-    }
-    if (!line.logLevel.empty()) {
-        SetEnvironment("KORVEL_LOG_LEVEL", line.logLevel);
-    }
-}
 
 std::unique_ptr<RowWriter> MakeWriter(const CommandLine& line) {
     if (line.asJson) {
@@ -36,6 +32,8 @@ std::unique_ptr<RowWriter> MakeWriter(const CommandLine& line) {
 /// Carries the command out; what ends it is one more problem of the report.
 void Carry(const CommandLine& line, Report& report) {
     try {
+        SetLogging(line.logFile, line.logLevel, report);
+        Patience::Begin(line.timeout);
         line.action(report);
     } catch (const Failure& failure) {
         report.AddProblem(failure);
@@ -44,18 +42,7 @@ void Carry(const CommandLine& line, Report& report) {
     }
 }
 
-int Run(int argc, char** argv) {
-    CommandLine line;
-    CLI::App program;
-    DeclareCommands(program, line);
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? ExitDone : ExitWrongUsage;
-    }
-    SetLogging(line);
-    Report report(MakeWriter(line));
-    Carry(line, report);
+int Show(Report& report) {
     report.Finish();
     if (!std::cout.flush()) {
         report.AddProblem({"the result could not be written"});
@@ -66,14 +53,40 @@ int Run(int argc, char** argv) {
     return report.Status();
 }
 
+int Run(int argc, char** argv) {
+    CommandLine line;
+    CLI::App program;
+    DeclareCommands(program, line);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            return program.exit(error);
+        }
+        const std::string misspelling = DescribeMisspelling(program, {argv + 1, argv + argc});
+        std::cerr << "korvelctl: " << Printable(misspelling.empty() ? error.what() : misspelling)
+                  << "\n'korvelctl --help' lists the commands.\n";
+        return ExitWrongUsage;
+    }
+    Report report(MakeWriter(line));
+    Carry(line, report);
+    return Show(report);
+}
+
 }  // namespace
 }  // namespace Korvel::Ctl
 
 int main(int argc, char** argv) {
+    int status = Korvel::Ctl::ExitFailed;
+    std::ios::sync_with_stdio(false);  // a long list is written in large pieces
     try {
-        return Korvel::Ctl::Run(argc, argv);
+        status = Korvel::Ctl::Run(argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "korvelctl: " << Korvel::Ctl::Printable(error.what()) << '\n';
-        return Korvel::Ctl::ExitFailed;
     }
+    if (Korvel::Ctl::Crew::LeftWorkBehind()) {  // a request still hangs: nothing that it uses may be taken down
+        std::cout.flush();
+        std::_Exit(status);
+    }
+    return status;
 }

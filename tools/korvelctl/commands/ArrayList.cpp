@@ -1,8 +1,9 @@
 #include <KorvelAccessLibrary.h>
 
+#include <string>
+
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
-#include "library/Operation.h"
 #include "library/Session.h"
 
 namespace Korvel::Ctl {
@@ -13,14 +14,11 @@ struct Options {};
 void Run(const Options& /*options*/, Report& report) {
     const Session session{Target{}};
     report.SetColumns({{"Array", "array"}});
-    for (KArray* array : session.Arrays()) {
+    for (const SharedArray& array : session.Arrays()) {
         report.AddRow({AddressOf(*array)});
     }
-    if (!session.Problem().empty()) {
-        report.AddProblem({session.Problem()});
-    } else if (!report.HasRows()) {
-        report.SetSentence("No array is configured.");
-    }
+    session.ReportProblem(report);
+    report.SetEmptySentence("No array is configured.");
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
 #include <KorvelAccessLibrary.h>
 
 #include <algorithm>
-#include <exception>
+#include <memory>
 #include <string>
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
 #include "configuration/AccessKey.h"
 #include "configuration/Configuration.h"
+#include "library/Ask.h"
 #include "library/Library.h"
-#include "library/Operation.h"
 #include "outcome/Failure.h"
 #include "text/ArgumentCheck.h"
 
@@ -37,26 +37,26 @@ std::string ConfiguredKey(const std::string& address) {
     return array->accessKey;
 }
 
+/// Needs no array of the registry and so no session; the layer belongs to the thread that asks.
 void Run(const Options& options, Report& report) {
     CheckAddress(options.address);
-    std::string address = options.address;
-    std::string accessKey = options.key.IsGiven() ? ReadAccessKey(options.key) : ConfiguredKey(address);
-
+    const std::string accessKey = options.key.IsGiven() ? ReadAccessKey(options.key) : ConfiguredKey(options.address);
     const Library library;
-    KAccessLayer layer;
-    int status = KStatusFailure;
-    try {
-        status = layer.ValidateArray(address, accessKey);
-    } catch (const std::exception& error) {
-        throw Failure(ExitFailed, "array " + address + ": " + Explain(error), address);
-    }
+    const auto array = std::make_shared<KArray>(options.address, accessKey);
+    const int status = AskOne(array, {"list its drives"}, [accessKey](KArray& asked) {
+        KAccessLayer layer;
+        std::string address = AddressOf(asked);
+        std::string key = accessKey;
+        return layer.ValidateArray(address, key);
+    });
     if (status != KStatusSuccess) {
-        throw Failure(ExitFailed,
-                      address + " replied, but the reply holds no drive list: this does not seem to be an array",
-                      address);
+        throw Failure(
+            ExitFailed,
+            options.address + " replied, but the reply holds no drive list: this does not seem to be an array",
+            options.address);
     }
     report.SetColumns({{"Array", "array"}, {"Access key", "accessKey"}});
-    report.AddRow({address, "accepted"});
+    report.AddRow({options.address, "accepted"});
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ struct CommandLine {
     bool asJson = false;
     std::string logFile;
     std::string logLevel;
+    double timeout = 0;                   ///< in seconds; 0 for none
     std::function<void(Report&)> action;  ///< carries the command out and fills the report
 };
 

@@ -1,6 +1,5 @@
 #include "commands/CommandTable.h"
 
-#include <string>
 #include <vector>
 
 namespace Korvel::Ctl {
@@ -18,9 +17,11 @@ const Family Families[] = {
     {"array", "The configured arrays", {AddArrayList, AddArrayValidate}},
     {"volume",
      "The volumes of the arrays",
-     {AddVolumeFind, AddVolumeClone, AddVolumeAttach, AddVolumeDetach, AddVolumeDelete, AddVolumeRollback}},
-    {"snapshot", "Snapshots of volumes", {AddSnapshotCreate, AddSnapshotDelete}},
-    {"server", "The hosts an array knows", {AddServerFind}},
+     {AddVolumeList, AddVolumeFind, AddVolumeClone, AddVolumeAttach, AddVolumeDetach, AddVolumeDelete,
+      AddVolumeRollback}},
+    {"snapshot", "Snapshots of volumes", {AddSnapshotList, AddSnapshotCreate, AddSnapshotDelete}},
+    {"group", "The consistency groups of the volumes", {AddGroupList}},
+    {"server", "The hosts an array knows", {AddServerList, AddServerFind}},
     {"config", "The arrays' configuration", {AddConfigCheck}},
 };
 
@@ -35,12 +36,15 @@ void AddProgramOptions(CLI::App& program, CommandLine& line) {
                     "Write log records up to this level: 0 errors, 2 events, 3 tracing, 4 all")
         ->check(CLI::Range(0, 4))
         ->type_name("N");
+    program
+        .add_option("--timeout", line.timeout,
+                    "Wait at most so long for the arrays; what has not answered then is named")
+        ->check(CLI::PositiveNumber)
+        ->type_name("SECONDS");
     program.footer(
-        "Exit status: 0 done, 1 failed, 2 not found, 64 wrong usage.\n"
+        "Exit status: 0 done, 1 failed, 2 not found, 3 done in part, 4 declined at the prompt, 64 wrong usage,\n"
+        "75 outcome unknown (a change was asked for and not answered), 130 interrupted.\n"
         "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
-    program.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return "korvelctl: " + std::string(error.what()) + "\n'korvelctl --help' lists the commands.\n";
-    });
 }
 
 }  // namespace

@@ -16,14 +16,18 @@ void DeclareCommands(CLI::App& program, CommandLine& line);
 /// @{
 void AddArrayList(CLI::App& family, CommandLine& line);
 void AddArrayValidate(CLI::App& family, CommandLine& line);
+void AddVolumeList(CLI::App& family, CommandLine& line);
 void AddVolumeFind(CLI::App& family, CommandLine& line);
 void AddVolumeClone(CLI::App& family, CommandLine& line);
 void AddVolumeAttach(CLI::App& family, CommandLine& line);
 void AddVolumeDetach(CLI::App& family, CommandLine& line);
 void AddVolumeDelete(CLI::App& family, CommandLine& line);
 void AddVolumeRollback(CLI::App& family, CommandLine& line);
+void AddSnapshotList(CLI::App& family, CommandLine& line);
 void AddSnapshotCreate(CLI::App& family, CommandLine& line);
 void AddSnapshotDelete(CLI::App& family, CommandLine& line);
+void AddGroupList(CLI::App& family, CommandLine& line);
+void AddServerList(CLI::App& family, CommandLine& line);
 void AddServerFind(CLI::App& family, CommandLine& line);
 void AddConfigCheck(CLI::App& family, CommandLine& line);
 /// @}

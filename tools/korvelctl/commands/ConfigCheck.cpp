@@ -12,6 +12,7 @@ struct Options {};
 void Run(const Options& /*options*/, Report& report) {
     const Configuration configuration = ReadConfiguration();
     report.SetColumns({{"Array", "array"}, {"Finding", "finding"}, {"Where", "place"}});
+    report.SetRowsAreFindings();
     for (const std::string& fault : configuration.faults) {
         report.AddProblem({fault});
     }

@@ -4,7 +4,6 @@
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
-#include "library/Operation.h"
 #include "library/ServerSearch.h"
 #include "library/Session.h"
 #include "outcome/Failure.h"
@@ -26,16 +25,15 @@ void Run(const Options& options, Report& report) {
     if (options.target.addresses.empty() && session.Arrays().size() > 1) {
         throw Failure(ExitWrongUsage,
                       "more than one array is configured, and an array registers a host it does not know: name the "
-                      "arrays with --array");
+                      "arrays with --array, or look with 'korvelctl server list'");
     }
     report.SetColumns({{"Array", "array"}, {"Initiator name", "iqn"}, {"Server ID", "serverId"}});
-    for (KArray* array : session.Arrays()) {
-        try {
-            report.AddRow({AddressOf(*array), options.iqn, FindOrRegisterServer(*array, options.iqn)});
-        } catch (const Failure& failure) {
-            report.AddProblem(failure);  // what other arrays registered still has to be shown
-        }
-    }
+    FindOrRegisterServer(
+        session.Arrays(), options.iqn,
+        [&](const SharedArray& array, const std::string& id) {
+            report.AddRow({AddressOf(*array), options.iqn, id});
+        },
+        [&report](const Failure& failure) { report.AddProblem(failure); });
 }
 
 }  // namespace

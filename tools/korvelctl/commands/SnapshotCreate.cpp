@@ -2,12 +2,17 @@
 
 #include <algorithm>
 #include <list>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
-#include "library/Operation.h"
+#include "commands/VolumeChoice.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
 #include "outcome/Failure.h"
@@ -17,14 +22,14 @@ namespace Korvel::Ctl {
 namespace {
 
 struct Options {
-    std::vector<std::string> volumes;
+    VolumeChoice volumes;
     Target target;
 };
 
 /// The volumes to snapshot on one array: a set is consistent over one array, and each array takes its own.
 struct ArraySet {
-    KArray* array;
-    std::vector<FoundVolume> volumes;
+    SharedArray array;
+    std::vector<Volume> volumes;
 };
 
 std::vector<ArraySet> GroupByArray(const std::vector<FoundVolume>& volumes) {
@@ -35,77 +40,98 @@ std::vector<ArraySet> GroupByArray(const std::vector<FoundVolume>& volumes) {
         if (set == sets.end()) {
             set = sets.insert(sets.end(), ArraySet{found.array, {}});
         }
-        set->volumes.push_back(found);
+        set->volumes.push_back(found.volume);
     }
     return sets;
 }
 
 void CheckSendable(const ArraySet& set) {
     CheckPath("address", AddressOf(*set.array), SnapshotSetPath);
-    for (const FoundVolume& found : set.volumes) {
-        CheckBodyText("volume name", found.Name());
-        CheckBodyText("group name", found.Group());
+    std::vector<std::string> names;
+    for (const Volume& volume : set.volumes) {
+        CheckBodyText("volume name", volume.name);
+        CheckBodyText("group name", volume.group);
+        names.push_back(volume.name);
     }
+    CheckUnrepeated(names);
 }
 
 /// Takes one array's set and returns the names the array gave.
-std::list<std::string> TakeSet(const ArraySet& set) {
+std::list<std::string> TakeSet(KArray& array, const std::vector<Volume>& volumes, const Purpose& purpose) {
     std::list<std::string> names;
     std::list<std::string> groups;
     std::list<std::string*> namePointers;
     std::list<std::string*> groupPointers;
-    for (const FoundVolume& found : set.volumes) {
-        namePointers.push_back(&names.emplace_back(found.Name()));
-        groupPointers.push_back(&groups.emplace_back(found.Group()));
+    for (const Volume& volume : volumes) {
+        namePointers.push_back(&names.emplace_back(volume.name));
+        groupPointers.push_back(&groups.emplace_back(volume.group));
     }
     std::list<std::string> snapshots;
-    Perform(*set.array, "create a snapshot set",
-            [&] { return KVolume::CreateSnapshotSet(set.array, namePointers, groupPointers, &snapshots); });
+    RequireSuccess(KVolume::CreateSnapshotSet(&array, namePointers, groupPointers, &snapshots), AddressOf(array),
+                   purpose);
     return snapshots;
 }
 
 /// Shows what an array created. An array names the snapshots in the order it was asked for them; when their number is
-/// another, nothing tells which snapshot is whose.
+/// another, or one has no name, nothing tells which snapshot is whose.
 void ReportSet(Report& report, const ArraySet& set, const std::list<std::string>& snapshots) {
     const std::string address = AddressOf(*set.array);
-    const bool matched = snapshots.size() == set.volumes.size();
-    auto found = set.volumes.begin();
+    const auto named = snapshots.size() - static_cast<std::size_t>(std::count(snapshots.begin(), snapshots.end(), ""));
+    const bool matched = named == snapshots.size() && named == set.volumes.size();
+    auto volume = set.volumes.begin();
     for (const std::string& snapshot : snapshots) {
-        if (!matched) {
+        if (matched) {
+            report.AddRow({address, volume->displayName, volume->name, snapshot});
+            ++volume;
+        } else if (!snapshot.empty()) {
             report.AddRow({address, "?", "?", snapshot});
-            continue;
         }
-        found->volume->AddCreatedSnapshot(snapshot);
-        std::string latest;
-        found->volume->GetLatestSnapshotID(latest);
-        report.AddRow({address, found->DisplayName(), found->Name(), latest});
-        ++found;
     }
     if (!matched) {
         report.AddProblem({"array " + address + " was asked for " + std::to_string(set.volumes.size()) +
-                               " snapshots and names " + std::to_string(snapshots.size()),
-                           ExitFailed, address});
+                               " snapshots and names " + std::to_string(named) +
+                               "; look with 'korvelctl snapshot list --array " + address + "'",
+                           ExitOutcomeUnknown, address});
     }
 }
 
-void Run(const Options& options, Report& report) {
-    CheckUnrepeated(options.volumes);
-    Session session(options.target);
-    std::vector<FoundVolume> volumes;
-    for (const std::string& name : options.volumes) {
-        volumes.push_back(FindOneVolume(session, VolumeKey::DisplayName, name));
+/// The library makes the snapshots' names of the clock's second.
+Failure Hinted(const Failure& failure) {
+    const std::string text = failure.what();
+    const bool refused = failure.Status() == ExitFailed && text.find("exist") != std::string::npos;
+    return {failure.Status(),
+            refused ? text + " (names carry the clock's second: if a set was just taken, wait a second)" : text,
+            failure.Array()};
+}
+
+void TakeSets(const std::vector<ArraySet>& sets, Report& report) {
+    std::vector<SharedArray> arrays;
+    std::map<const KArray*, ArraySet> setOf;
+    for (const ArraySet& set : sets) {
+        arrays.push_back(set.array);
+        setOf.emplace(set.array.get(), set);
     }
-    const std::vector<ArraySet> sets = GroupByArray(volumes);
+    const Purpose purpose{"create a snapshot set", "snapshot list"};
+    AskAll<std::list<std::string>>(
+        arrays, purpose,
+        [setOf, purpose](KArray& array, Answering<std::list<std::string>>& answering) {
+            answering.Put(TakeSet(array, setOf.at(&array).volumes, purpose));
+        },
+        [&](const SharedArray& array, const std::list<std::string>& snapshots) {
+            ReportSet(report, setOf.at(array.get()), snapshots);
+        },
+        [&report](const Failure& failure) { report.AddProblem(Hinted(failure)); });  // what others created is shown
+}
+
+void Run(const Options& options, Report& report) {
+    CheckUnrepeated(options.volumes.names);
+    CheckUnrepeated(options.volumes.ids);
+    Session session(options.target);
+    const std::vector<ArraySet> sets = GroupByArray(FindVolumes(session, options.volumes.Wanted()));
     std::for_each(sets.begin(), sets.end(), CheckSendable);  // all before the first: nothing half done over a bad name
 
     report.SetColumns({{"Array", "array"}, {"Volume", "displayName"}, {"Name", "name"}, {"Snapshot", "snapshot"}});
-    for (const ArraySet& set : sets) {
-        try {
-            ReportSet(report, set, TakeSet(set));
-        } catch (const Failure& failure) {
-            report.AddProblem(failure);  // what other arrays created still has to be shown
-        }
-    }
+    TakeSets(sets, report);
     if (report.HasRows()) {
         report.SetSentence("Created one consistent snapshot set on each array:");
     }
@@ -119,7 +145,7 @@ void AddSnapshotCreate(CLI::App& family, CommandLine& line) {
         {"create", "Take one consistent set of snapshots of several volumes; one set on each array that holds any",
          "korvelctl snapshot create Payroll-Data Payroll-Log"},
         [](CLI::App& command, Options& options) {
-            command.add_option("VOLUME", options.volumes, "The volumes' display names")->required();
+            AddVolumesChoice(command, options.volumes);
             AddTargetOptions(command, options.target);
         },
         Run);

@@ -6,7 +6,9 @@
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
-#include "library/Operation.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
 #include "outcome/Failure.h"
@@ -22,30 +24,40 @@ struct Options {
     Target target;
 };
 
+void Delete(const FoundVolume& found, const std::string& snapshot) {
+    const Purpose purpose{"delete snapshot '" + snapshot + "'", "snapshot list"};
+    AskOne(found.array, purpose, [purpose, volume = found.volume, snapshot](KArray& array) {
+        KVolume known = volume.Known();
+        known.SetArray(&array);
+        std::string name = snapshot;
+        const int status = known.DeleteSnapshot(name);
+        RequireSuccess(status, AddressOf(array), purpose);
+        return status;
+    });
+}
+
 void Run(const Options& options, Report& report) {
     RequireConfirmable(options.yes);
     CheckUnrepeated(options.snapshots);
+    std::vector<WantedVolume> wanted;
     for (const std::string& snapshot : options.snapshots) {
         CheckPath("snapshot name", "", DeleteSnapshotPath, snapshot);  // what no array could be sent needs no search
+        wanted.push_back({VolumeKey::Snapshot, snapshot});
     }
     Session session(options.target);
-    std::vector<FoundVolume> volumes;
-    std::string listed;
-    for (const std::string& snapshot : options.snapshots) {
-        volumes.push_back(FindOneVolume(session, VolumeKey::Snapshot, snapshot));
-        CheckPath("snapshot name", AddressOf(*volumes.back().array), DeleteSnapshotPath, snapshot);
-        listed += "\n  " + snapshot + " on array " + AddressOf(*volumes.back().array);
+    const std::vector<FoundVolume> volumes = FindVolumes(session, wanted);
+    std::vector<std::string> listed;
+    for (std::size_t i = 0; i < volumes.size(); ++i) {
+        CheckPath("snapshot name", volumes[i].Address(), DeleteSnapshotPath, options.snapshots[i]);
+        listed.push_back(options.snapshots[i] + " on array " + volumes[i].Address());
     }
-    Confirm(options.yes, "This deletes" + listed);
+    Confirm(options.yes, "This deletes", listed);
 
     report.SetColumns({{"Array", "array"}, {"Snapshot", "snapshot"}});
     for (std::size_t i = 0; i < volumes.size(); ++i) {
-        std::string snapshot = options.snapshots[i];
-        const FoundVolume& found = volumes[i];
         try {
-            Perform(*found.array, "delete snapshot '" + snapshot + "'",
-                    [&] { return found.volume->DeleteSnapshot(snapshot); });
-            report.AddRow({AddressOf(*found.array), snapshot});
+            Delete(volumes[i], options.snapshots[i]);
+            report.AddRow({volumes[i].Address(), options.snapshots[i]});
             report.SetSentence("Deleted:");
         } catch (const Failure& failure) {
             report.AddProblem(failure);

@@ -1,11 +1,14 @@
 #include <KorvelAccessLibrary.h>
 
 #include <string>
+#include <utility>
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeReport.h"
-#include "library/Operation.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
 #include "text/ArgumentCheck.h"
@@ -18,24 +21,34 @@ struct Options {
     Target target;
 };
 
+/// What the library tells of a volume that it made.
+Volume Copied(KVolume& made) {
+    Volume volume;
+    std::string* id = nullptr;
+    made.GetVolumeID(id);
+    volume.id = *id;
+    made.GetVolumeName(volume.name);
+    made.GetVolumeDispName(volume.displayName);
+    made.GetCgID(volume.group);
+    return volume;
+}
+
 void Run(const Options& options, Report& report) {
     CheckBodyText("snapshot name", options.snapshot);
     Session session(options.target);
-    const FoundVolume source = FindOneVolume(session, VolumeKey::Snapshot, options.snapshot);
-    CheckPath("group name", AddressOf(*source.array), ClonePath, source.Group());
+    const FoundVolume source = FindVolumes(session, {{VolumeKey::Snapshot, options.snapshot}}).front();
+    const std::string group = source.volume.group;
+    CheckPath("group name", source.Address(), ClonePath, group);
 
-    FoundVolume clone{source.array, nullptr};
-    Perform(*source.array, "clone snapshot '" + options.snapshot + "'", [&] {
-        const int status = source.array->CloneVolume(source.Group(), options.snapshot, clone.volume);
-        if (status == KStatusNotFound) {
-            throw Failure(ExitFailed, "array " + AddressOf(*source.array) +
-                                          " made the clone, but does not list it: it cannot be named here");
-        }
-        return status;
+    const Purpose purpose{"clone snapshot '" + options.snapshot + "'", "volume list"};
+    Volume clone = AskOne(source.array, purpose, [purpose, group, snapshot = options.snapshot](KArray& array) {
+        KVolume* made = nullptr;
+        RequireSuccess(array.CloneVolume(group, snapshot, made), AddressOf(array), purpose);
+        return Copied(*made);
     });
     SetVolumeColumns(report);
-    report.SetSentence("Cloned " + Described(source) + " from snapshot '" + options.snapshot + "'.");
-    report.AddRow(VolumeRow(clone));
+    report.SetSentence("Created a volume from snapshot '" + options.snapshot + "':");
+    report.AddRow(VolumeRow(source.Address(), std::move(clone)));
 }
 
 }  // namespace

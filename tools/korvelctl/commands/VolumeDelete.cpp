@@ -1,12 +1,14 @@
 #include <KorvelAccessLibrary.h>
 
 #include <string>
-#include <vector>
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
+#include "commands/VolumeChoice.h"
 #include "commands/VolumeReport.h"
-#include "library/Operation.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
 #include "terminal/Confirmation.h"
@@ -16,7 +18,7 @@ namespace Korvel::Ctl {
 namespace {
 
 struct Options {
-    std::string volume;
+    VolumeChoice volume;
     bool yes = false;
     Target target;
 };
@@ -24,16 +26,19 @@ struct Options {
 void Run(const Options& options, Report& report) {
     RequireConfirmable(options.yes);
     Session session(options.target);
-    const FoundVolume found = FindOneVolume(session, VolumeKey::DisplayName, options.volume);
-    CheckPath("volume name", AddressOf(*found.array), DeleteVolumePath, found.Name());
-    const std::string described = Described(found);  // before the deletion, which takes the volume object with it
-    const std::vector<std::string> row = VolumeRow(found);
+    const FoundVolume found = FindVolumes(session, options.volume.Wanted()).front();
+    CheckPath("volume name", found.Address(), DeleteVolumePath, found.volume.name);
 
-    Confirm(options.yes, "This deletes " + described + " with all its data.");
-    Perform(*found.array, "delete " + described, [&] { return found.array->DeleteVolume(found.Name()); });
+    Confirm(options.yes, "This deletes " + found.Described() + " with all its data.");
+    const Purpose purpose{"delete " + found.Described(), "volume list"};
+    AskOne(found.array, purpose, [purpose, name = found.volume.name](KArray& array) {
+        const int status = array.DeleteVolume(name);
+        RequireSuccess(status, AddressOf(array), purpose);
+        return status;
+    });
     SetVolumeColumns(report);
-    report.AddRow(row);
-    report.SetSentence("Deleted " + described + ".");
+    report.SetSentence("Deleted " + found.Described() + ".");
+    report.AddRow(VolumeRow(found.Address(), found.volume));
 }
 
 }  // namespace
@@ -42,7 +47,7 @@ void AddVolumeDelete(CLI::App& family, CommandLine& line) {
     AddCommand<Options>(
         family, line, {"delete", "Delete a volume", "korvelctl volume delete Payroll --array 10.0.0.21"},
         [](CLI::App& command, Options& options) {
-            command.add_option("VOLUME", options.volume, "The volume's display name")->required();
+            AddVolumeChoice(command, options.volume);
             AddYesOption(command, options.yes);
             AddTargetOptions(command, options.target);
         },

@@ -1,48 +1,46 @@
 #include <KorvelAccessLibrary.h>
 
 #include <string>
+#include <utility>
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeReport.h"
-#include "library/Operation.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
-#include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {
 namespace {
 
 struct Options {
-    std::string id;
-    std::string name;
-    std::string snapshot;
+    WantedVolume wanted;
     Target target;
 };
 
 void Run(const Options& options, Report& report) {
     Session session(options.target);
-    const VolumeSearch search = !options.id.empty() ? SearchVolume(session, VolumeKey::Id, options.id)
-                                : !options.snapshot.empty()
-                                    ? SearchVolume(session, VolumeKey::Snapshot, options.snapshot)
-                                    : SearchVolume(session, VolumeKey::DisplayName, options.name);
+    VolumeSearch search = SearchVolumes(session, {options.wanted});
     SetVolumeColumns(report);
-    for (const FoundVolume& found : search.found) {
-        report.AddRow(VolumeRow(found));
+    for (FoundVolume& found : search.found.front()) {
+        report.AddRow(VolumeRow(found.Address(), std::move(found.volume)));
     }
-    for (const std::string& problem : search.problems) {
-        report.AddProblem({problem, search.found.empty() ? ExitFailed : ExitDone});
+    for (const Failure& failure : search.failures) {
+        report.AddProblem(failure);
     }
-    if (search.found.empty() && search.problems.empty()) {
-        report.AddProblem({"no such volume", ExitNotFound});
+    if (!report.HasRows() && search.failures.empty()) {
+        report.AddProblem({NotFoundText(options.wanted), ExitNotFound});
     }
 }
 
 void Declare(CLI::App& command, Options& options) {
     CLI::Option_group* keys = command.add_option_group("key", "Exactly one of these");
-    keys->add_option("--id", options.id, "The volume's IEEE identifier")->type_name("IEEE-ID");
-    keys->add_option("--name", options.name, "The volume's display name")->type_name("DISPLAY-NAME");
-    keys->add_option("--snapshot", options.snapshot, "The name of one of its snapshots")->type_name("SNAPSHOT");
+    const auto add = [&](const char* name, VolumeKey key, const char* typeName, const char* description) {
+        const auto store = [&options, key](const std::string& text) { options.wanted = {key, text}; };
+        keys->add_option_function<std::string>(name, store, description)->type_name(typeName);
+    };
+    add("--id", VolumeKey::Id, "IEEE-ID", "The volume's IEEE identifier");
+    add("--name", VolumeKey::DisplayName, "VOLUME", "The volume's display name");
+    add("--snapshot", VolumeKey::Snapshot, "SNAPSHOT", "The name of one of its snapshots");
     keys->require_option(1);
     AddTargetOptions(command, options.target);
 }

@@ -4,8 +4,10 @@
 
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
-#include "commands/VolumeReport.h"
-#include "library/Operation.h"
+#include "commands/VolumeChoice.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/ServerSearch.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
@@ -15,17 +17,20 @@ namespace Korvel::Ctl {
 namespace {
 
 struct Options {
-    std::string volume;
+    VolumeChoice volume;
     std::string iqn;
     std::string server;
     Target target;
 };
 
-using MappingOperation = int (KArray::*)(const std::string&, const std::string&);
+/// What sets the two commands apart.
+struct Mapping {
+    const char* verb;
+    const char* sentence;
+    int (KArray::*operation)(const std::string& volName, const std::string& serverID);
+};
 
-/// What the two commands share.
-void ChangeMapping(const Options& options, Report& report, const std::string& verb, const char* sentence,
-                   MappingOperation operation) {
+void Change(const Options& options, Report& report, const Mapping& mapping) {
     if (options.iqn.empty()) {
         CheckBodyText("server ID", options.server);
         CheckPath("server ID", "", AttachPath, options.server);
@@ -33,32 +38,36 @@ void ChangeMapping(const Options& options, Report& report, const std::string& ve
         CheckBodyText("initiator name", options.iqn);
     }
     Session session(options.target);
-    const FoundVolume found = FindOneVolume(session, VolumeKey::DisplayName, options.volume);
-    const std::string address = AddressOf(*found.array);
-    CheckBodyText("volume name", found.Name());
-    CheckPath("volume name", address, DetachPath, found.Name());
-    const std::string server = options.iqn.empty() ? options.server : FindOrRegisterServer(*found.array, options.iqn);
+    const FoundVolume found = FindVolumes(session, options.volume.Wanted()).front();
+    const std::string address = found.Address();
+    CheckBodyText("volume name", found.volume.name);
+    CheckPath("volume name", address, DetachPath, found.volume.name);
+    const std::string server = options.iqn.empty() ? options.server : FindOrRegisterServer(found.array, options.iqn);
     CheckBodyText("server ID", server);
     CheckPath("server ID", address, AttachPath, server);
 
-    Perform(*found.array, verb + " " + Described(found),
-            [&] { return (found.array->*operation)(found.Name(), server); });
+    const Purpose purpose{std::string(mapping.verb) + " " + found.Described(), "volume list"};
+    AskOne(found.array, purpose, [purpose, mapping, server, volume = found.volume.name](KArray& array) {
+        const int status = (array.*mapping.operation)(volume, server);
+        RequireSuccess(status, AddressOf(array), purpose);
+        return status;
+    });
     report.SetColumns(
         {{"Array", "array"}, {"Display name", "displayName"}, {"Name", "name"}, {"Server ID", "serverId"}});
-    report.SetSentence(sentence);
-    report.AddRow({address, found.DisplayName(), found.Name(), server});
+    report.SetSentence(mapping.sentence);
+    report.AddRow({address, found.volume.displayName, found.volume.name, server});
 }
 
 void Attach(const Options& options, Report& report) {
-    ChangeMapping(options, report, "attach", "The volume is mapped to the server.", &KArray::AttachVolume);
+    Change(options, report, {"attach", "The volume is mapped to the server.", &KArray::AttachVolume});
 }
 
 void Detach(const Options& options, Report& report) {
-    ChangeMapping(options, report, "detach", "The volume is no longer mapped to the server.", &KArray::DetachVolume);
+    Change(options, report, {"detach", "The volume is no longer mapped to the server.", &KArray::DetachVolume});
 }
 
 void Declare(CLI::App& command, Options& options) {
-    command.add_option("VOLUME", options.volume, "The volume's display name")->required();
+    AddVolumeChoice(command, options.volume);
     CLI::Option_group* servers = command.add_option_group("server", "Exactly one of these");
     servers
         ->add_option("--iqn", options.iqn,

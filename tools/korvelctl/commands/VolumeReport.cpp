@@ -1,6 +1,6 @@
 #include "commands/VolumeReport.h"
 
-#include "library/Operation.h"
+#include <utility>
 
 namespace Korvel::Ctl {
 
@@ -9,12 +9,13 @@ void SetVolumeColumns(Report& report) {
         {{"Array", "array"}, {"Display name", "displayName"}, {"Name", "name"}, {"ID", "id"}, {"Group", "group"}});
 }
 
-std::vector<std::string> VolumeRow(const FoundVolume& found) {
-    return {AddressOf(*found.array), found.DisplayName(), found.Name(), found.Id(), found.Group()};
-}
-
-std::string Described(const FoundVolume& found) {
-    return "volume '" + found.DisplayName() + "' (" + found.Name() + ") on array " + AddressOf(*found.array);
+std::vector<std::string> VolumeRow(std::string address, Volume volume) {
+    std::vector<std::string> row;
+    row.reserve(5);
+    for (std::string* cell : {&address, &volume.displayName, &volume.name, &volume.id, &volume.group}) {
+        row.push_back(std::move(*cell));
+    }
+    return row;
 }
 
 }  // namespace Korvel::Ctl

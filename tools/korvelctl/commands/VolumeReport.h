@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "library/VolumeSearch.h"
+#include "library/Volume.h"
 #include "outcome/Report.h"
 
 namespace Korvel::Ctl {
@@ -11,10 +11,8 @@ namespace Korvel::Ctl {
 /// Names the columns in which volumes are shown.
 void SetVolumeColumns(Report& report);
 
+/// @param address the address of the array that holds the volume
 /// @return the volume's row
-std::vector<std::string> VolumeRow(const FoundVolume& found);
-
-/// @return the volume as a sentence names it, with its array
-std::string Described(const FoundVolume& found);
+std::vector<std::string> VolumeRow(std::string address, Volume volume);
 
 }  // namespace Korvel::Ctl

@@ -5,7 +5,9 @@
 #include "commands/Command.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeReport.h"
-#include "library/Operation.h"
+#include "library/Ask.h"
+#include "library/Explanation.h"
+#include "library/Purpose.h"
 #include "library/Session.h"
 #include "library/VolumeSearch.h"
 #include "terminal/Confirmation.h"
@@ -20,20 +22,31 @@ struct Options {
     Target target;
 };
 
+/// Rolls the group of a volume back to a snapshot. The library takes the group from a volume object.
+int RollBack(KArray& array, const Volume& volume, const std::string& snapshot) {
+    KVolume known = volume.Known();
+    KVolume* const pointer = &known;
+    return array.ResyncVolume(snapshot, pointer);
+}
+
 void Run(const Options& options, Report& report) {
     RequireConfirmable(options.yes);
     CheckBodyText("snapshot name", options.snapshot);
     Session session(options.target);
-    const FoundVolume found = FindOneVolume(session, VolumeKey::Snapshot, options.snapshot);
-    CheckPath("group name", AddressOf(*found.array), RollbackPath, found.Group());
+    const FoundVolume found = FindVolumes(session, {{VolumeKey::Snapshot, options.snapshot}}).front();
+    CheckPath("group name", found.Address(), RollbackPath, found.volume.group);
 
-    Confirm(options.yes, "This takes the whole group '" + found.Group() + "' of " + Described(found) +
+    Confirm(options.yes, "This takes the whole group '" + found.volume.group + "' of " + found.Described() +
                              " back to snapshot '" + options.snapshot + "'; what was written since is lost.");
-    Perform(*found.array, "roll back to snapshot '" + options.snapshot + "'",
-            [&] { return found.array->ResyncVolume(options.snapshot, found.volume); });
+    const Purpose purpose{"roll back to snapshot '" + options.snapshot + "'", "volume list"};
+    AskOne(found.array, purpose, [purpose, volume = found.volume, snapshot = options.snapshot](KArray& array) {
+        const int status = RollBack(array, volume, snapshot);
+        RequireSuccess(status, AddressOf(array), purpose);
+        return status;
+    });
     SetVolumeColumns(report);
-    report.SetSentence("The group '" + found.Group() + "' is rolled back to snapshot '" + options.snapshot + "'.");
-    report.AddRow(VolumeRow(found));
+    report.SetSentence("The group '" + found.volume.group + "' is rolled back to snapshot '" + options.snapshot + "'.");
+    report.AddRow(VolumeRow(found.Address(), found.volume));
 }
 
 }  // namespace

@@ -1,35 +1,73 @@
 #include "configuration/AccessKey.h"
 
+#include <KorvelAccessLibrary.h>
+
 #include <fstream>
 #include <iostream>
+#include <string_view>
 
+#include "crew/Patience.h"
 #include "outcome/Failure.h"
+#include "terminal/Interruption.h"
 #include "terminal/System.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {
 namespace {
 
+/// More than any key takes, in UTF-16 and with the longest end of line; a larger file is none of ours to read.
+constexpr std::size_t LongestFileStart = 2 * KMaxAccessKeyLength + 8;
+
+bool StartsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+/// Editors and shells put a mark before a text, and some write two bytes for each character.
+std::string WithoutEncoding(const std::string& path, const std::string& bytes) {
+    if (StartsWith(bytes, "\xEF\xBB\xBF")) {
+        return bytes.substr(3);
+    }
+    const bool littleEndian = StartsWith(bytes, "\xFF\xFE");
+    if (!littleEndian && !StartsWith(bytes, "\xFE\xFF")) {
+        return bytes;
+    }
+    std::string text;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        const char high = bytes[littleEndian ? i + 1 : i];
+        const char low = bytes[littleEndian ? i : i + 1];
+        if (high != '\0' || static_cast<unsigned char>(low) >= 0x80) {
+            throw Failure(ExitFailed, "the key file '" + path +
+                                          "' is UTF-16 text with characters beyond ASCII: store the key as UTF-8");
+        }
+        text += low;
+    }
+    return text;
+}
+
 std::string ReadFromFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::string line;
-    if (!file || (!std::getline(file, line) && !file.eof())) {
+    std::string bytes(LongestFileStart, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!file.is_open() || file.bad() || (file.fail() && !file.eof())) {
         throw Failure(ExitFailed, "the key file '" + path + "' cannot be read");
     }
-    if (!line.empty() && line.back() == '\r') {
-        line.pop_back();
-    }
-    return line;
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    const std::string text = WithoutEncoding(path, bytes);
+    return text.substr(0, text.find_first_of("\r\n"));
 }
 
 std::string ReadFromInput() {
     const bool prompting = InputIsTerminal();
+    const Patience::Pause pause;
     if (prompting) {
         std::cerr << "Access key: " << std::flush;
     }
-    std::string line = ReadHiddenLine();
+    std::string line = ReadLine(KMaxAccessKeyLength + 1, Echo::Off);  // with the '\r' of a line's end
     if (prompting) {
         std::cerr << '\n';
+    }
+    if (Interrupted()) {
+        throw Failure(ExitInterrupted, "interrupted; nothing was asked");
     }
     return line;
 }

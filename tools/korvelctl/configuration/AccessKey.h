@@ -15,6 +15,7 @@ struct KeySource {
 };
 
 /// Reads the access key: the first line of the file or of standard input, which on a terminal is asked for.
+/// A file may begin with a byte-order mark and may be UTF-16.
 /// @throws Failure when there is none or it cannot be sent
 std::string ReadAccessKey(const KeySource& source);
 

@@ -1,11 +1,16 @@
 #include "outcome/Report.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Korvel::Ctl {
 namespace {
 
 constexpr std::size_t MostHeldRows = 1000;
+
+/// From the gravest to the mildest: what a script must not overlook comes first.
+constexpr ExitStatus Gravity[] = {ExitOutcomeUnknown, ExitInterrupted, ExitPartial, ExitFailed,
+                                  ExitWrongUsage,     ExitDeclined,    ExitNotFound};
 
 }  // namespace
 
@@ -19,6 +24,26 @@ void Report::AddRow(std::vector<std::string> cells) {
     if (held.size() == MostHeldRows) {
         WriteHeld();
     }
+}
+
+void Report::SetEmptySentence(const std::string& text) {
+    if (!HasRows() && problems.empty()) {
+        sentence = text;
+    }
+}
+
+ExitStatus Report::Status() const {
+    const bool havingResults = HasRows() && !rowsAreFindings;
+    for (const ExitStatus candidate : Gravity) {
+        const auto ends = [&](const Problem& problem) {
+            return problem.status == candidate ||
+                   (candidate == ExitPartial && havingResults && problem.status != ExitDone);
+        };
+        if (std::any_of(problems.begin(), problems.end(), ends)) {
+            return candidate;
+        }
+    }
+    return ExitDone;
 }
 
 void Report::WriteHeld() {

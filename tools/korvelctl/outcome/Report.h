@@ -26,6 +26,9 @@ public:
     /// Sets the sentence that stands above the rows.
     void SetSentence(std::string text) { sentence = std::move(text); }
 
+    /// Sets the sentence that stands there instead when there is neither a row nor a problem.
+    void SetEmptySentence(const std::string& text);
+
     /// Appends a row: one text for each column, in their order.
     void AddRow(std::vector<std::string> cells);
 
@@ -41,8 +44,11 @@ public:
     /// @return what went wrong, in the order it was added
     const std::vector<Problem>& Problems() const { return problems; }
 
-    /// @return the exit status: that of the last problem, ExitDone when there is none
-    ExitStatus Status() const { return problems.empty() ? ExitDone : problems.back().status; }
+    /// Says that the rows tell what is wrong and are no results: problems beside them do not make a partial success.
+    void SetRowsAreFindings() { rowsAreFindings = true; }
+
+    /// @return the exit status: the gravest problem's, or ExitPartial when there are results beside a failure
+    ExitStatus Status() const;
 
     /// Writes what is not written yet. Nothing may be added afterwards.
     void Finish();
@@ -56,6 +62,7 @@ private:
     std::string sentence;
     std::vector<Problem> problems;
     std::size_t rowCount = 0;
+    bool rowsAreFindings = false;
     bool begun = false;
 };
 

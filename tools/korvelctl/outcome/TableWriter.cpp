@@ -45,16 +45,16 @@ void TableWriter::Begin(const std::vector<Column>& columns, const std::string& s
 }
 
 void TableWriter::Row(const std::vector<std::string>& cells) {
+    std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::string text = Printable(cells[i]);
-        output << text;
-        if (i + 1 == cells.size()) {
-            output << '\n';
-            return;
+        line += text;
+        if (i + 1 != cells.size()) {
+            const std::size_t width = Width(text);
+            line.append((width < widths[i] ? widths[i] - width : 0) + Gap, ' ');
         }
-        const std::size_t width = Width(text);
-        output << std::string((width < widths[i] ? widths[i] - width : 0) + Gap, ' ');
     }
+    output << line << '\n';
 }
 
 void TableWriter::End(const std::vector<Problem>& /*problems*/, ExitStatus /*status*/) {}

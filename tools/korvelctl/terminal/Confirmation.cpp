@@ -2,7 +2,9 @@
 
 #include <iostream>
 
+#include "crew/Patience.h"
 #include "outcome/Failure.h"
+#include "terminal/Interruption.h"
 #include "terminal/System.h"
 #include "text/Printable.h"
 
@@ -14,15 +16,23 @@ void RequireConfirmable(bool yes) {
     }
 }
 
-void Confirm(bool yes, const std::string& consequence) {
+void Confirm(bool yes, const std::string& consequence, const std::vector<std::string>& items) {
     if (yes) {
         return;
     }
-    std::cerr << Printable(consequence) << "\nType yes to go on: " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
+    const Patience::Pause pause;
+    std::cerr << Printable(consequence) << '\n';
+    for (const std::string& item : items) {
+        std::cerr << "  " << Printable(item) << '\n';
+    }
+    std::cerr << "Type yes to go on: " << std::flush;
+    const std::string answer = ReadLine(LongestAnswer, Echo::On);
+    if (Interrupted()) {
+        std::cerr << '\n';
+        throw Failure(ExitInterrupted, "interrupted; nothing was changed");
+    }
     if (answer != "yes") {
-        throw Failure(ExitFailed, "nothing was changed");
+        throw Failure(ExitDeclined, "declined; nothing was changed");
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace Korvel::Ctl {
 
@@ -11,8 +12,9 @@ void RequireConfirmable(bool yes);
 
 /// Asks the person at the terminal to type "yes".
 /// @param yes true when --yes was given: nothing is asked
-/// @param consequence what will happen, a whole sentence
-/// @throws Failure with ExitFailed when the answer is anything else
-void Confirm(bool yes, const std::string& consequence);
+/// @param consequence what will happen, a whole sentence or one that the items complete
+/// @param items what it will happen to, a line each
+/// @throws Failure with ExitDeclined when the answer is anything else, with ExitInterrupted when there is none
+void Confirm(bool yes, const std::string& consequence, const std::vector<std::string>& items = {});
 
 }  // namespace Korvel::Ctl

@@ -1,13 +1,19 @@
 #include "terminal/System.h"
 
 #include <cstdlib>
-#include <iostream>
+
+#include "terminal/Interruption.h"
 
 #if defined(_WIN32)
 #include <windows.h>
 #else
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
+
+#include <cerrno>
 #endif
 
 #if defined(__MINGW32__)
@@ -70,25 +76,78 @@ private:
 
 #endif
 
+/// Reads one byte from standard input.
+/// @return whether there was one before the end, an error or an interruption
+bool ReadByte(char& byte) {
+#if defined(_WIN32)
+    DWORD count = 0;
+    return ReadFile(GetStdHandle(STD_INPUT_HANDLE), &byte, 1, &count, nullptr) != 0 && count == 1;
+#else
+    ssize_t count = -1;
+    do {
+        count = read(STDIN_FILENO, &byte, 1);
+    } while (count < 0 && errno == EINTR && !Interrupted());
+    return count == 1;
+#endif
+}
+
+std::string ReadBoundedLine(std::size_t bound) {
+    std::string line;
+    for (char byte = 0; line.size() <= bound && ReadByte(byte) && byte != '\n';) {
+        line += byte;
+    }
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    return line;
+}
+
+#if defined(_WIN32)
+
+bool IsConsole(DWORD standardHandle) {
+    DWORD mode = 0;  // asked of a console only: the runtime calls the null device a terminal, too
+    return GetConsoleMode(GetStdHandle(standardHandle), &mode) != 0;
+}
+
+#endif
+
 }  // namespace
 
 bool InputIsTerminal() {
 #if defined(_WIN32)
-    DWORD mode = 0;  // asked of a console only: the runtime calls the null device a terminal, too
-    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+    return IsConsole(STD_INPUT_HANDLE);
 #else
     return isatty(STDIN_FILENO) != 0;
 #endif
 }
 
-std::string ReadHiddenLine() {
-    const EchoOff echoOff;
-    std::string line;
-    std::getline(std::cin, line);
-    if (!line.empty() && line.back() == '\r') {
-        line.pop_back();
+bool ErrorIsTerminal() {
+#if defined(_WIN32)
+    return IsConsole(STD_ERROR_HANDLE);
+#else
+    return isatty(STDERR_FILENO) != 0;
+#endif
+}
+
+std::size_t ErrorWidth() {
+    constexpr std::size_t usual = 80;
+#if defined(_WIN32)
+    CONSOLE_SCREEN_BUFFER_INFO information;
+    return GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &information) != 0 && information.dwSize.X > 1
+               ? static_cast<std::size_t>(information.dwSize.X)
+               : usual;
+#else
+    winsize size{};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : usual;
+#endif
+}
+
+std::string ReadLine(std::size_t bound, Echo echo) {
+    if (echo == Echo::On) {
+        return ReadBoundedLine(bound);
     }
-    return line;
+    const EchoOff echoOff;
+    return ReadBoundedLine(bound);
 }
 
 void SetEnvironment(const std::string& name, const std::string& value) {
@@ -96,6 +155,35 @@ void SetEnvironment(const std::string& name, const std::string& value) {
     _putenv_s(name.c_str(), value.c_str());
 #else
     setenv(name.c_str(), value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): called before any other thread exists
+#endif
+}
+
+bool CanAppend(const std::string& path) {
+#if defined(_WIN32)
+    // Not made here: the logging library makes the file with rights for its owner alone.
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    const bool missing = attributes == INVALID_FILE_ATTRIBUTES;
+    const HANDLE file =
+        CreateFileA(path.c_str(), FILE_APPEND_DATA | (missing ? DELETE : 0), FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_ALWAYS, missing ? FILE_FLAG_DELETE_ON_CLOSE : FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    CloseHandle(file);
+    return true;
+#else
+    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
+    return file >= 0 && close(file) == 0;
+#endif
+}
+
+bool OthersCanRead(const std::string& path) {
+#if defined(_WIN32)
+    static_cast<void>(path);
+    return false;
+#else
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
 #endif
 }
 

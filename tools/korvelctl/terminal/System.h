@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace Korvel::Ctl {
@@ -9,11 +10,33 @@ namespace Korvel::Ctl {
 /// @return whether standard input is a terminal with a person at it
 bool InputIsTerminal();
 
-/// Reads one line from standard input. On a terminal the line is not shown while it is typed.
+/// @return whether standard error is a terminal
+bool ErrorIsTerminal();
+
+/// @return how many characters a line of standard error's terminal takes
+std::size_t ErrorWidth();
+
+/// Whether a line is shown while it is typed.
+enum class Echo { On, Off };
+
+/// The longest line that an answer to a question may have.
+inline constexpr std::size_t LongestAnswer = 64;
+
+/// Reads one line from standard input, up to a bound. Ends without one when the program is interrupted; a terminal
+/// without echo then has it again.
+/// @param bound what is longer is cut one character after it, so that the caller sees that it is longer
+/// @param echo off: a terminal does not show what is typed
 /// @return the line without its end; empty when there is none
-std::string ReadHiddenLine();
+std::string ReadLine(std::size_t bound, Echo echo);
 
 /// Sets an environment variable of this process, for the libraries it loads.
 void SetEnvironment(const std::string& name, const std::string& value);
+
+/// @return whether a file can be appended to; one that is missing is made, for its owner alone where the system has
+/// that
+bool CanAppend(const std::string& path);
+
+/// @return whether users other than the file's own can read it; false where that cannot be told
+bool OthersCanRead(const std::string& path);
 
 }  // namespace Korvel::Ctl

@@ -84,6 +84,7 @@ void CheckPath(std::string_view what, std::string_view address, const RequestPat
     const std::size_t around = SchemeLength + address.size() + path.before.size() + path.after.size();
     RefuseControls(what, name);
     RefuseAnyOf(what, name, "/?#%&", "which would change the request's path: names are sent as they stand");
+    RefuseAnyOf(what, name, " ", "which the HTTP library does not send in a request's path");
     if (name == "." || name == "..") {
         Refuse(what, "'" + std::string(name) + "' would change the request's path");
     }

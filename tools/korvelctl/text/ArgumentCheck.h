@@ -20,6 +20,7 @@ inline constexpr RequestPath RollbackPath{"/api/consistency_groups/", "/rollback
 inline constexpr RequestPath DeleteVolumePath{"/api/volumes/", ""};
 inline constexpr RequestPath DetachPath{"/api/volumes/", "/detach"};
 inline constexpr RequestPath AttachPath{"/api/servers/", "/volumes"};
+inline constexpr RequestPath SnapshotListPath{"/api/consistency_groups/", "/snapshots"};
 
 /// Refuses an empty text. Every check here throws Failure with ExitWrongUsage and says what is wrong and why.
 /// @param what how the message calls the text, for example "volume name"

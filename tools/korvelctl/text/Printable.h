@@ -5,7 +5,8 @@
 
 namespace Korvel::Ctl {
 
-/// Makes control characters visible, so that a name an array sends cannot steer the terminal.
+/// Makes visible what could steer a terminal or turn round what is read: control characters, also those beyond ASCII,
+/// marks of writing direction, and bytes that are no UTF-8. An array's texts are shown only through this.
 std::string Printable(std::string_view text);
 
 }  // namespace Korvel::Ctl

@@ -1,0 +1,181 @@
+// korvelctl at a terminal: a person types, reads a prompt, waits and loses patience.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+
+#include "support/Korvelctl.h"
+
+namespace Korvel::Testing {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+/// A run of korvelctl on a terminal of its own.
+class Terminal {
+public:
+    explicit Terminal(const std::string& arguments) {
+        const std::string line = "exec " + KorvelctlCommand() + " " + arguments;
+        process = forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (process == 0) {
+            std::signal(SIGINT, SIG_DFL);  // ignored by what a script starts in the background
+            execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+            std::_Exit(127);
+        }
+    }
+    ~Terminal() {
+        if (process > 0) {
+            kill(process, SIGKILL);
+            waitpid(process, nullptr, 0);
+        }
+        close(terminal);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// Types keys; a control character acts as on a keyboard.
+    void Type(const std::string& keys) const {
+        ASSERT_EQ(write(terminal, keys.data(), keys.size()), ssize_t(keys.size()));
+    }
+
+    /// Reads on until the screen has shown a text, or the program has ended.
+    void ReadUntil(const std::string& text) {
+        while (screen.find(text) == std::string::npos && ReadMore()) {
+        }
+        EXPECT_THAT(screen, HasSubstr(text));
+    }
+
+    /// @return whether what is typed is shown
+    bool Echoes() const {
+        termios settings{};
+        tcgetattr(terminal, &settings);
+        return (settings.c_lflag & static_cast<tcflag_t>(ECHO)) != 0;
+    }
+
+    /// Reads to the end and returns the exit status, -1 when a signal ended the program.
+    int End() {
+        while (ReadMore()) {
+        }
+        int status = 0;
+        waitpid(process, &status, 0);
+        process = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string screen;
+
+private:
+    bool ReadMore() {
+        pollfd ready{terminal, POLLIN, 0};
+        char bytes[4096];
+        const ssize_t count = poll(&ready, 1, 120000) > 0 ? read(terminal, bytes, sizeof bytes) : -1;
+        screen.append(bytes, count > 0 ? static_cast<std::size_t>(count) : 0);
+        return count > 0;
+    }
+
+    int terminal = -1;
+    pid_t process = -1;
+};
+
+const std::string CtrlC = "\x03";
+const std::string EndOfInput = "\x04";
+const std::string Delete = "volume delete mail-1-0003";
+const std::string Prompt = "Type yes to go on: ";
+
+TEST_F(KorvelctlTest, OnlyTheWordYesAgrees) {
+    for (const std::string answer : {"no\n", "y\n", "YES\n", "yes please\n", "\n", EndOfInput.c_str()}) {
+        Terminal terminal(Delete);
+        terminal.ReadUntil(Prompt);
+        terminal.Type(answer);
+        EXPECT_EQ(terminal.End(), 4) << answer;
+        EXPECT_THAT(terminal.screen, AllOf(HasSubstr("with all its data."), HasSubstr("nothing was changed")));
+        EXPECT_THAT(Changes(), IsEmpty());
+    }
+    Terminal terminal(Delete);
+    terminal.ReadUntil(Prompt);
+    terminal.Type("yes\n");
+    EXPECT_EQ(terminal.End(), 0) << terminal.screen;
+    EXPECT_EQ(Changes(), "DELETE /api/volumes/vol-00000003\n");
+}
+
+TEST_F(KorvelctlTest, TheQuestionListsWhatItIsAboutLineByLine) {
+    TakeSnapshots();
+    simulator.ClearJournal();
+    Terminal terminal(Filled("snapshot delete --array {A} " + snapshot));
+    terminal.ReadUntil(Prompt);
+    EXPECT_THAT(terminal.screen,
+                HasSubstr("This deletes\r\n  " + snapshot + " on array " + simulator.Address() + "\r\n"));
+    terminal.Type(CtrlC);
+    EXPECT_EQ(terminal.End(), 130);
+    EXPECT_THAT(Changes(), IsEmpty());
+    Terminal rollback(Filled("volume rollback --array {A} --snapshot " + snapshot));
+    rollback.ReadUntil(Prompt);
+    EXPECT_THAT(rollback.screen, HasSubstr("what was written since is lost"));
+    rollback.Type("no\n");
+    EXPECT_EQ(rollback.End(), 4);
+    EXPECT_THAT(Changes(), IsEmpty());
+}
+
+TEST_F(KorvelctlTest, AKeyIsNotShownAndAnInterruptionLeavesTheTerminalAsItWas) {
+    const std::string validate = Filled("array validate {A} --key-stdin");
+    Terminal terminal(validate);
+    terminal.ReadUntil("Access key: ");
+    terminal.Type(simulator.Key() + "\n");
+    EXPECT_EQ(terminal.End(), 0) << terminal.screen;
+    EXPECT_THAT(terminal.screen, Not(HasSubstr(simulator.Key())));
+
+    Terminal impatient(validate);
+    impatient.ReadUntil("Access key: ");
+    while (impatient.Echoes()) {
+        usleep(1000);
+    }
+    impatient.Type(CtrlC);
+    EXPECT_EQ(impatient.End(), 130);
+    EXPECT_TRUE(impatient.Echoes());
+}
+
+TEST_F(KorvelctlTest, WhatIsWaitedForIsShownAndGoneAtTheEnd) {
+    const std::string address = simulator.Address(1);
+    simulator.Arm(
+        {{"kind", "delay"}, {"delay", 3500}, {"array", 1}, {"glob", "/api/consistency_groups/*"}, {"skip", 1}});
+    Terminal terminal("volume find --snapshot nobody");
+    terminal.ReadUntil("waiting for array " + address + ", 1 of 4 groups asked");
+    EXPECT_EQ(terminal.End(), 2);
+    const auto last = terminal.screen.rfind("groups asked");
+    EXPECT_THAT(terminal.screen.substr(last), HasSubstr("\r    "));
+
+    simulator.Arm({{"kind", "delay"}, {"delay", 3500}, {"array", 1}});
+    const Result piped = Run("volume list");
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_THAT(piped.err, IsEmpty());
+}
+
+TEST_F(KorvelctlTest, CtrlCTellsWhatMayHaveBeenDone) {
+    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}, {"method", "POST"}});
+    Terminal change("snapshot create mail-1-0003");
+    change.ReadUntil("waiting for array " + simulator.Address());
+    change.Type(CtrlC);
+    EXPECT_EQ(change.End(), 75);
+    EXPECT_THAT(change.screen, HasSubstr("may have been carried out"));
+
+    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}});
+    Terminal look("volume list");
+    look.ReadUntil("waiting for array " + simulator.Address());
+    look.Type(CtrlC);
+    EXPECT_EQ(look.End(), 130);
+    EXPECT_THAT(look.screen, AllOf(HasSubstr("mail-2-0003"), HasSubstr("has not answered before the interruption")));
+}
+
+}  // namespace
+}  // namespace Korvel::Testing

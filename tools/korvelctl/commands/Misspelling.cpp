@@ -1,0 +1,107 @@
+#include "commands/Misspelling.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace Korvel::Ctl {
+namespace {
+
+/// @return how many characters have to be put, taken away or changed to make one word of the other
+std::size_t Distance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    for (std::size_t j = 0; j < row.size(); ++j) {
+        row[j] = j;
+    }
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t above = row[j + 1];
+            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (from[i] == to[j] ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row.back();
+}
+
+std::string Sentence(const std::string& kind, const std::string& word, const std::vector<std::string>& known) {
+    std::string text = "there is no " + kind + " '" + word + "'";
+    const auto nearest = std::min_element(known.begin(), known.end(), [&word](const auto& one, const auto& other) {
+        return Distance(word, one) < Distance(word, other);
+    });
+    if (nearest != known.end() && Distance(word, *nearest) <= std::max<std::size_t>(2, word.size() / 3)) {
+        text += "; do you mean '" + *nearest + "'?";
+    }
+    return text;
+}
+
+/// The options that may stand after a command: its own and its parents'.
+std::vector<const CLI::Option*> OptionsOf(const CLI::App* app) {
+    std::vector<const CLI::Option*> options;
+    for (; app != nullptr; app = app->get_parent()) {
+        const auto own = app->get_options();
+        options.insert(options.end(), own.begin(), own.end());
+        for (const CLI::App* group :
+             app->get_subcommands([](const CLI::App* sub) { return sub->get_name().empty(); })) {
+            const auto grouped = group->get_options();
+            options.insert(options.end(), grouped.begin(), grouped.end());
+        }
+    }
+    return options;
+}
+
+std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : commands) {
+        if (!command->get_name().empty()) {
+            names.push_back(command->get_name());
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> NamesOf(const std::vector<const CLI::Option*>& options) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : options) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+}  // namespace
+
+std::string DescribeMisspelling(const CLI::App& program, const std::vector<std::string>& words) {
+    const CLI::App* app = &program;
+    for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+        const std::string& word = words[i];
+        if (word.size() > 1 && word.front() == '-') {
+            const std::string name = word.substr(0, word.find('='));
+            const auto options = OptionsOf(app);
+            const auto option = std::find_if(options.begin(), options.end(), [&name](const CLI::Option* candidate) {
+                return candidate->check_name(name);
+            });
+            if (option == options.end()) {
+                return Sentence("option", name, NamesOf(options));
+            }
+            i += name == word && (*option)->get_expected_max() > 0 ? 1 : 0;  // its value
+            continue;
+        }
+        const auto commands = app->get_subcommands([](const CLI::App*) { return true; });
+        const auto names = NamesOf(commands);
+        if (names.empty()) {
+            continue;  // an argument of the command
+        }
+        const auto next = std::find_if(commands.begin(), commands.end(),
+                                       [&word](const CLI::App* command) { return command->get_name() == word; });
+        if (next == commands.end()) {
+            return Sentence(app->get_parent() == nullptr ? "family of commands" : "command of this family", word,
+                            names);
+        }
+        app = *next;
+    }
+    return {};
+}
+
+}  // namespace Korvel::Ctl
