@@ -1,6 +1,7 @@
 #include "Simulator.h"
 
 #include "array/Inventory.h"
+#include "foundation/KLimits.h"
 
 namespace Korvel::Sim {
 
@@ -24,8 +25,8 @@ void Simulator::Reset() {
 std::string Simulator::RegistryText() const {
     std::string text = "Windows Registry Editor Version 5.00\n";
     for (const auto& array : arrays) {
-        text += "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider\\" + array->Address() + "]\n\"AccessKey\"=\"" +
-                array->Key() + "\"\n";
+        text += "\n[HKEY_LOCAL_MACHINE\\" + std::string(KRegistryRootKey) + "\\" + array->Address() + "]\n\"" +
+                KAccessKeyValue + "\"=\"" + array->Key() + "\"\n";
     }
     return text;
 }

@@ -3,8 +3,12 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
+#include "library/Ask.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

@@ -5,12 +5,15 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "configuration/AccessKey.h"
 #include "configuration/Configuration.h"
 #include "library/Ask.h"
 #include "library/Library.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
+#include "outcome/Report.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {

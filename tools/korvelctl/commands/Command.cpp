@@ -1,5 +1,7 @@
 #include "commands/Command.h"
 
+#include "configuration/AccessKey.h"
+
 namespace Korvel::Ctl {
 
 void AddTargetOptions(CLI::App& command, Target& target) {

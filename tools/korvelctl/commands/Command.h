@@ -5,6 +5,7 @@
 #include <string>
 
 #include "commands/CommandLine.h"
+#include "configuration/AccessKey.h"
 #include "library/Target.h"
 #include "outcome/Report.h"
 

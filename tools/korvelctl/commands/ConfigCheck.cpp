@@ -1,8 +1,11 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "configuration/Configuration.h"
+#include "outcome/ExitStatus.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

@@ -3,10 +3,15 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
+#include "library/Ask.h"
 #include "library/ServerSearch.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
+#include "outcome/Report.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {

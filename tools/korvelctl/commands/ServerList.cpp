@@ -4,10 +4,15 @@
 #include <vector>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "library/Ask.h"
 #include "library/Listing.h"
+#include "library/Server.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "outcome/Failure.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

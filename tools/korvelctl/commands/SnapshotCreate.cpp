@@ -8,14 +8,19 @@
 #include <vector>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeChoice.h"
 #include "library/Ask.h"
 #include "library/Explanation.h"
 #include "library/Purpose.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "library/Volume.h"
 #include "library/VolumeSearch.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
+#include "outcome/Report.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {

@@ -5,13 +5,16 @@
 #include <vector>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "library/Ask.h"
 #include "library/Explanation.h"
 #include "library/Purpose.h"
 #include "library/Session.h"
+#include "library/Target.h"
 #include "library/VolumeSearch.h"
 #include "outcome/Failure.h"
+#include "outcome/Report.h"
 #include "terminal/Confirmation.h"
 #include "text/ArgumentCheck.h"
 

@@ -8,13 +8,17 @@
 #include <vector>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "library/Ask.h"
 #include "library/Listing.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "library/Volume.h"
 #include "library/VolumeSearch.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
-#include "text/ArgumentCheck.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeChoice.h"
 #include "commands/VolumeReport.h"
@@ -10,7 +11,9 @@
 #include "library/Explanation.h"
 #include "library/Purpose.h"
 #include "library/Session.h"
+#include "library/Target.h"
 #include "library/VolumeSearch.h"
+#include "outcome/Report.h"
 #include "terminal/Confirmation.h"
 #include "text/ArgumentCheck.h"
 

@@ -4,10 +4,15 @@
 #include <utility>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeReport.h"
 #include "library/Session.h"
+#include "library/Target.h"
 #include "library/VolumeSearch.h"
+#include "outcome/ExitStatus.h"
+#include "outcome/Failure.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

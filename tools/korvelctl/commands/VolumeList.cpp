@@ -5,11 +5,16 @@
 #include <vector>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeReport.h"
 #include "library/Ask.h"
 #include "library/Listing.h"
 #include "library/Session.h"
+#include "library/Target.h"
+#include "library/Volume.h"
+#include "outcome/Failure.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 namespace {

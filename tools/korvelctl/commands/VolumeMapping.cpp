@@ -3,6 +3,7 @@
 #include <string>
 
 #include "commands/Command.h"
+#include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "commands/VolumeChoice.h"
 #include "library/Ask.h"
@@ -10,7 +11,9 @@
 #include "library/Purpose.h"
 #include "library/ServerSearch.h"
 #include "library/Session.h"
+#include "library/Target.h"
 #include "library/VolumeSearch.h"
+#include "outcome/Report.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "crew/Patience.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 #include "terminal/Interruption.h"
 #include "terminal/System.h"

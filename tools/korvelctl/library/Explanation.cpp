@@ -11,6 +11,7 @@
 
 #include "crew/Patience.h"
 #include "library/XmlComplaints.h"
+#include "outcome/ExitStatus.h"
 
 namespace Korvel::Ctl {
 namespace {

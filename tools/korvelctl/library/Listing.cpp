@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "library/Ask.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 #include "rest/KConnection.h"
 #include "text/ArgumentCheck.h"

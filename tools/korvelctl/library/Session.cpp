@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "configuration/AccessKey.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 #include "text/ArgumentCheck.h"
 

@@ -9,6 +9,7 @@
 #include "library/Ask.h"
 #include "library/Library.h"
 #include "library/Target.h"
+#include "outcome/Problem.h"
 #include "outcome/Report.h"
 
 namespace Korvel::Ctl {

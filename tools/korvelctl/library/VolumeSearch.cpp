@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "library/Listing.h"
+#include "outcome/ExitStatus.h"
+#include "outcome/Problem.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {

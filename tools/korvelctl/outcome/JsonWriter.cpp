@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 
+#include "outcome/ExitStatus.h"
+#include "outcome/Problem.h"
+
 namespace Korvel::Ctl {
 
 void JsonWriter::Begin(const std::vector<Column>& columns, const std::string& /*sentence*/,

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "outcome/ExitStatus.h"
+#include "outcome/Problem.h"
 #include "outcome/RowWriter.h"
 
 namespace Korvel::Ctl {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "outcome/ExitStatus.h"
+#include "outcome/Problem.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "outcome/ExitStatus.h"
+#include "outcome/Problem.h"
 #include "outcome/RowWriter.h"
 
 namespace Korvel::Ctl {

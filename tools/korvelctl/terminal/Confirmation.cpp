@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "crew/Patience.h"
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 #include "terminal/Interruption.h"
 #include "terminal/System.h"

@@ -1,5 +1,6 @@
 #include "terminal/LogFile.h"
 
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 #include "terminal/System.h"
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 
 namespace Korvel::Ctl {
