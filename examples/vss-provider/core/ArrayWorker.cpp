@@ -15,6 +15,7 @@ struct ArrayWorker::Queue {
     std::condition_variable changed;
     std::deque<std::packaged_task<void(Korvel::KArray&)>> tasks;
     bool stopping = false;
+    bool hangs = false;
     std::promise<void> ended;
     std::future<void> end = ended.get_future();
 
@@ -28,6 +29,11 @@ struct ArrayWorker::Queue {
             tasks.pop_front();
         }
         return task;
+    }
+
+    void Answered() {
+        const std::lock_guard lock(mutex);
+        hangs = false;
     }
 };
 
@@ -60,6 +66,7 @@ ArrayWorker::ArrayWorker(const std::string& arrayAddress) : address(arrayAddress
                     continue;  // who waits for the task is told by its promise, which is broken now
                 }
                 task(*array);
+                queue->Answered();
             }
         }
         queue->ended.set_value();
@@ -79,9 +86,21 @@ std::future<void> ArrayWorker::Post(Task task) {
     return done;
 }
 
+bool ArrayWorker::Await(const std::future<void>& done, std::chrono::steady_clock::time_point deadline) {
+    std::unique_lock lock(queue->mutex);
+    if (!queue->hangs) {
+        lock.unlock();
+        done.wait_until(deadline);
+        lock.lock();
+    }
+    const bool isDone = done.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    queue->hangs = queue->hangs || !isDone;
+    return isDone;
+}
+
 void ArrayWorker::Run(Task task, std::chrono::milliseconds patience) {
     std::future<void> done = Post(std::move(task));
-    if (done.wait_for(patience) != std::future_status::ready) {
+    if (!Await(done, std::chrono::steady_clock::now() + patience)) {
         throw ProviderError(ProviderError::Kind::Veto, "array " + address + " does not answer");
     }
     done.get();

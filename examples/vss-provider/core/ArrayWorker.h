@@ -33,6 +33,11 @@ public:
     /// @return becomes ready when the task has been done; throws what the task threw
     std::future<void> Post(Task task);
 
+    /// Waits for a task. Once one was not done in time the array counts as hanging, and nobody waits for it any more
+    /// until its thread has done a task again.
+    /// @return whether the task is done; if not, it may be done later
+    bool Await(const std::future<void>& done, std::chrono::steady_clock::time_point deadline);
+
     /// Hands the thread a task and waits for it.
     /// @throws ProviderError when it has not been done in time (it may be done later), or what the task threw
     void Run(Task task, std::chrono::milliseconds patience);

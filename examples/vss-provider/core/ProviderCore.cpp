@@ -3,8 +3,10 @@
 #include <KorvelAccessLibrary.h>
 
 #include <algorithm>
+#include <ctime>
 #include <future>
 #include <list>
+#include <thread>
 #include <utility>
 
 namespace VssExample {
@@ -41,6 +43,30 @@ void DeleteSnapshot(Korvel::KArray& array, const std::string& sourceId, std::str
     RequireSuccess(KnownVolume(array, sourceId).DeleteSnapshot(snapshot), "deleting snapshot " + snapshot);
 }
 
+/// The library's state of the process, which all providers in it share. One that leaves a thread behind never ends its
+/// use: the library stays as it is for that thread.
+class LibraryUse {
+public:
+    void Begin() {
+        const std::lock_guard lock(mutex);
+        if (users++ == 0) {
+            Korvel::KAccessLayer::GlobalInit();
+        }
+    }
+    void End() {
+        const std::lock_guard lock(mutex);
+        if (--users == 0) {
+            Korvel::KAccessLayer::GlobalCleanup();
+        }
+    }
+
+private:
+    std::mutex mutex;
+    int users = 0;
+};
+
+LibraryUse library;
+
 }  // namespace
 
 /// A volume that was looked for.
@@ -66,6 +92,10 @@ struct ProviderCore::Commit {
     std::list<std::string> taken;
     std::string failure;
 
+    bool IsAbandoned() {
+        const std::lock_guard lock(mutex);
+        return abandoned;
+    }
     void Take(Korvel::KArray& onArray);
     void RemoveTaken(Korvel::KArray& onArray, const Log& log);
 };
@@ -127,7 +157,8 @@ void ProviderCore::OnLoad() {
     if (loaded) {
         return;
     }
-    Korvel::KAccessLayer::GlobalInit();
+    library.Begin();
+    loaded = true;
     Korvel::KAccessLayer layer;
     if (layer.DiscoverArrays() != Korvel::KStatusSuccess) {
         writeLog("not all arrays could be read from the registry: korvelctl config check tells why");
@@ -139,7 +170,6 @@ void ProviderCore::OnLoad() {
         array->GetIPAddress(address);
         workers.push_back(std::make_unique<ArrayWorker>(*address));
     }
-    loaded = true;
 }
 
 bool ProviderCore::OnUnload() {
@@ -166,7 +196,7 @@ bool ProviderCore::OnUnload() {
     servers.clear();
     loaded = false;
     if (ended) {
-        Korvel::KAccessLayer::GlobalCleanup();  // never while a request runs
+        library.End();  // never while a request runs
     }
     return ended;
 }
@@ -205,7 +235,7 @@ ProviderCore::Found ProviderCore::Find(const std::string& id, bool onArrays) {
     const auto deadline = Clock::now() + waits.ordinary;
     for (std::size_t at = 0; at < searches.size(); ++at) {
         try {
-            if (searches[at].done.wait_until(deadline) != std::future_status::ready) {
+            if (!workers[at]->Await(searches[at].done, deadline)) {
                 throw ProviderError(Kind::Veto, "it does not answer");
             }
             searches[at].done.get();
@@ -304,7 +334,27 @@ void ProviderCore::EndPrepareSnapshots(const std::string& setId) {
 
 void ProviderCore::PreCommitSnapshots(const std::string& setId) {
     const std::lock_guard lock(mutex);
-    Require(setId, State::Prepared, "PreCommitSnapshots").state = State::Ready;
+    SnapshotSet& set = Require(setId, State::Prepared, "PreCommitSnapshots");
+    AwaitFreshNames(set);
+    set.state = State::Ready;
+}
+
+/// The names of snapshots hold a number that changes by the second only, and an array refuses a name that it has. So
+/// two sets of one volume are not taken in the same second; the wait is shorter than one, and writers still write.
+void ProviderCore::AwaitFreshNames(const SnapshotSet& set) {
+    for (const auto& [otherId, other] : sets) {
+        const auto isShared = [&items = other.items](const SnapshotItem& item) {
+            return std::any_of(items.begin(), items.end(), [&](const SnapshotItem& of) {
+                return of.array == item.array && of.volume == item.volume;
+            });
+        };
+        if (std::any_of(set.items.begin(), set.items.end(), isShared)) {
+            while (std::time(nullptr) ==
+                   other.taken) {  // the clock that the library draws from; others run ahead of it
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            }
+        }
+    }
 }
 
 void ProviderCore::CommitSnapshots(const std::string& setId) {
@@ -326,9 +376,11 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
     }
     for (const auto& commit : commits) {
         commit->done = WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
-            commit->Take(array);
+            if (!commit->IsAbandoned()) {  // it may have waited for its turn behind another request that hung
+                commit->Take(array);
+            }
             const std::lock_guard taken(commit->mutex);
-            if (commit->abandoned) {
+            if (commit->abandoned && commit->ended) {
                 log("array " + commit->array + " has answered too late: its snapshots are removed");
                 commit->RemoveTaken(array, log);
             }
@@ -336,6 +388,7 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
     }
     try {
         FinishCommit(set, commits);
+        set.taken = std::time(nullptr);
         set.state = State::Committed;
     } catch (const std::exception&) {
         UndoAndRethrow(setId);
@@ -347,7 +400,7 @@ void ProviderCore::FinishCommit(SnapshotSet& set, std::vector<std::shared_ptr<Co
     const auto deadline = Clock::now() + waits.commit;
     std::string failures;
     for (const auto& commit : commits) {
-        commit->done.wait_until(deadline);
+        WorkerOf(commit->array).Await(commit->done, deadline);
     }
     for (const auto& commit : commits) {
         const std::lock_guard lock(commit->mutex);

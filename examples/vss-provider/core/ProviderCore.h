@@ -63,7 +63,7 @@ public:
     /// Does what may take its time: finds this host on every array of the set, registers it where it is missing.
     void EndPrepareSnapshots(const std::string& setId);
 
-    /// The last step before writers hold still.
+    /// The last step before writers hold still: makes sure that the names of the snapshots will be new.
     void PreCommitSnapshots(const std::string& setId);
 
     /// Takes the snapshots, one request for each array, on all arrays at once. Writers hold still meanwhile.
@@ -99,6 +99,7 @@ private:
     SnapshotSet& Require(const std::string& setId, SnapshotSet::State state, const char* call);
     std::string FindThisHost(const std::string& address, const std::string& initiator);
     Place PlaceOf(const std::string& target);
+    void AwaitFreshNames(const SnapshotSet& set);
     void FinishCommit(SnapshotSet& set, std::vector<std::shared_ptr<Commit>>& commits);
     void Clone(SnapshotItem& item);
     void Remove(const SnapshotItem& item);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct SnapshotSet {
     enum class State { Preparing, Prepared, Ready, Committed, Cloned };
 
     State state = State::Preparing;
+    std::time_t taken = 0;  ///< when its snapshots were there
     std::vector<SnapshotItem> items;
 };
 
