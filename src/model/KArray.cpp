@@ -25,6 +25,9 @@ KArray::KArray(const std::string& address, const std::string& key) {
 // Kept: shallow-copies.
 KArray::KArray(const KArray& other) = default;
 KArray& KArray::operator=(const KArray& other) {
+    if (this == &other) {
+        return *this;
+    }
     std::list<KServer*> servers(other.serverList);
     std::list<KVolume*> volumes(other.volumeList);  // from here on nothing fails
     ipAddress = other.ipAddress;

@@ -44,6 +44,9 @@ KVolume::KVolume(const std::string& id, const std::string& name, const std::stri
 // Kept: shallow-copies.
 KVolume::KVolume(const KVolume& other) = default;
 KVolume& KVolume::operator=(const KVolume& other) {
+    if (this == &other) {
+        return *this;
+    }
     std::list<KSnapshot*> snapshots(other.snapshotList);  // from here on nothing fails
     volumeID = other.volumeID;
     volumeName = other.volumeName;
