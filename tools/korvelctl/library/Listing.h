@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "library/Server.h"
+#include "library/Snapshot.h"
 #include "library/Volume.h"
 
 namespace Korvel::Ctl {
