@@ -274,12 +274,11 @@ public:
     bool AreKnown(const char* file) const {
         std::map<std::string, std::size_t> known;
         std::ifstream in(file);
-        for (std::string bar, what; in >> bar;) {
+        for (std::string row; std::getline(in, row);) {
             std::size_t most = 0;
-            in >> most;
-            in.clear();
-            std::getline(in, what);
-            known[what] += most;
+            if (std::sscanf(row.c_str(), "| %zu", &most) == 1) {
+                known[row.substr(row.find(" | ", 1))] += most;
+            }
         }
         bool allKnown = true;
         for (const auto& [what, count] : deviations) {
