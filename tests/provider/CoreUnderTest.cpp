@@ -25,7 +25,7 @@ public:
     std::string OnLoad() override {
         return ResultOf([&] { core.OnLoad(); });
     }
-    std::string OnUnload() override { return core.OnUnload() ? "ok" : "busy"; }
+    std::string OnUnload() override { return core.OnUnload(true) ? "ok" : "busy"; }
     std::string AreLunsSupported(const Ids& ids, bool& supported) override {
         return ResultOf([&] { supported = core.AreLunsSupported(ids); });
     }

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/LunIdentity.h"
 #include "provider/ProviderUnderTest.h"
 #include "support/Simulator.h"
 #include "support/TestRegistry.h"
@@ -202,13 +203,38 @@ TEST_F(ProviderTest, AnAbortAfterEveryStepLeavesNothing) {
 }
 
 TEST_F(ProviderTest, AnUnloadInTheMiddleUndoesTheSet) {
-    const auto provider = ProviderUnderTest::Make();
-    std::vector<Step> steps = Cycle(firstSet);
-    steps.resize(8);
-    EXPECT_EQ(Run(*provider, steps), "");
-    EXPECT_NE(Contents(), before);
-    EXPECT_EQ(provider->OnUnload(), "ok");
-    EXPECT_EQ(Contents(), before);
+    for (const std::size_t last : {8U, 9U, 10U}) {
+        const auto provider = ProviderUnderTest::Make();
+        std::vector<Step> steps = Cycle(firstSet);
+        steps.resize(last);
+        SCOPED_TRACE("unload after " + steps.back().name);
+        EXPECT_EQ(Run(*provider, steps), "");
+        EXPECT_NE(Contents(), before);
+        EXPECT_EQ(provider->OnUnload(), "ok");
+        EXPECT_EQ(Contents(), before);
+    }
+}
+
+TEST(LunIdentity, IsTheNaaIdentifierInEitherCodeSet) {
+    struct Case {
+        StorageIdentifier identifier;
+        std::string id;
+    };
+    const std::string id = Id(0, 1);
+    const Case cases[] = {
+        {NaaIdentifier(id), id},
+        {{1, 3, std::string("\x60\x01\xf3\0", 4)}, "6001f300"},
+        {{2, 3, "6001F3A0"}, "6001f3a0"},
+        {{3, 3, "6001f3a0"}, "6001f3a0"},
+        {{2, 3, "naa.6001f3a0"}, ""},
+        {{1, 2, "\x60\x01\xf3\xa0"}, ""},
+        {{1, 3, ""}, ""},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(IeeeIdentifierOf({{2, 1, "a vendor's"}, each.identifier}), each.id) << each.identifier.bytes;
+    }
+    EXPECT_THROW(NaaIdentifier("6001f"), std::invalid_argument);
+    EXPECT_THROW(NaaIdentifier("6001x3"), std::invalid_argument);
 }
 
 TEST_F(ProviderTest, AFailureOfAnyRequestLeavesNothingThatTheLogDoesNotName) {

@@ -40,7 +40,8 @@ struct ArrayWorker::Queue {
 namespace {
 
 /// The layer's array of this address: an access key is read from the registry by a discovery alone.
-Korvel::KArray* FindArray(Korvel::KAccessLayer& layer, const std::string& address) {
+/// @return null when there is none, or none can be read: then every task of the thread fails
+Korvel::KArray* FindArray(Korvel::KAccessLayer& layer, const std::string& address) try {
     layer.DiscoverArrays();  // one array without a key ends it with 1; those before that one are there all the same
     std::list<Korvel::KArray*> arrays;
     layer.GetArrays(arrays);
@@ -51,6 +52,8 @@ Korvel::KArray* FindArray(Korvel::KAccessLayer& layer, const std::string& addres
             return array;
         }
     }
+    return nullptr;
+} catch (const std::exception&) {
     return nullptr;
 }
 

@@ -149,7 +149,7 @@ ProviderCore::ProviderCore(Log log, std::function<std::string()> initiatorName, 
     : writeLog(std::move(log)), hostInitiator(std::move(initiatorName)), waits(patience) {}
 
 ProviderCore::~ProviderCore() {
-    OnUnload();
+    OnUnload(true);
 }
 
 void ProviderCore::OnLoad() {
@@ -172,19 +172,12 @@ void ProviderCore::OnLoad() {
     }
 }
 
-bool ProviderCore::OnUnload() {
+bool ProviderCore::OnUnload(bool forced) {
     const std::lock_guard lock(mutex);
     if (!loaded) {
         return true;
     }
-    while (!sets.empty()) {
-        const auto first = sets.begin();
-        if (first->second.state == State::Cloned) {
-            sets.erase(first);  // it has come to its end: its volumes are the service's
-        } else {
-            Undo(first->first);
-        }
-    }
+    UndoUnfinished(forced);
     bool ended = true;
     for (const auto& worker : workers) {
         if (!worker->Stop(waits.commit)) {
@@ -553,6 +546,20 @@ void ProviderCore::Remove(const SnapshotItem& item) {
     }
 }
 
+/// Forgets the sets that have come to their end, whose volumes are the service's, and undoes the others.
+void ProviderCore::UndoUnfinished(bool forced) {
+    while (!sets.empty()) {
+        const auto& [setId, set] = *sets.begin();
+        const bool mapped = std::none_of(set.items.begin(), set.items.end(),
+                                         [](const SnapshotItem& item) { return item.server.empty(); });
+        if (set.state == State::Cloned && (mapped || !forced)) {
+            sets.erase(sets.begin());
+        } else {
+            Undo(std::string(setId));
+        }
+    }
+}
+
 void ProviderCore::Undo(const std::string& setId) {
     const auto set = sets.find(setId);
     for (auto item = set->second.items.rbegin(); item != set->second.items.rend(); ++item) {
@@ -565,12 +572,13 @@ void ProviderCore::Undo(const std::string& setId) {
 void ProviderCore::UndoAndRethrow(const std::string& setId) {
     try {
         throw;
-    } catch (const ProviderError& error) {
-        writeLog(error.what());
+    } catch (const ProviderError&) {
+        Undo(setId);
+        throw;
+    } catch (const std::bad_alloc&) {
         Undo(setId);
         throw;
     } catch (const std::exception& error) {
-        writeLog(TextOf(error));
         Undo(setId);
         throw ProviderError(Kind::Veto, TextOf(error));
     }

@@ -46,9 +46,10 @@ public:
     /// Prepares the library and discovers the arrays that are configured.
     void OnLoad();
 
-    /// Undoes sets that have not come to their end, and gives everything back.
+    /// Undoes sets that have not come to their end, and gives everything back. A set whose volumes have been made is at
+    /// its end; if the provider is forced out, only when they have been mapped, too.
     /// @return whether nothing of this goes on: false as long as an array has not answered, when the code must stay
-    bool OnUnload();
+    bool OnUnload(bool forced);
 
     /// @param ids IEEE identifiers of LUNs
     /// @return whether every one of them is a volume of an array that is configured
@@ -103,6 +104,7 @@ private:
     void FinishCommit(SnapshotSet& set, std::vector<std::shared_ptr<Commit>>& commits);
     void Clone(SnapshotItem& item);
     void Remove(const SnapshotItem& item);
+    void UndoUnfinished(bool forced);
     void Undo(const std::string& setId);
     void UndoAndRethrow(const std::string& setId);
 

@@ -17,7 +17,7 @@ std::string LogFile() {
 
 }  // namespace
 
-void WriteEvent(const std::string& line) {
+void WriteEvent(const std::string& line) noexcept try {
     static std::mutex mutex;
     const std::lock_guard lock(mutex);
     if (const HANDLE source = RegisterEventSourceA(nullptr, "KorvelVssExample"); source != nullptr) {
@@ -28,6 +28,8 @@ void WriteEvent(const std::string& line) {
     if (const std::string file = LogFile(); !file.empty()) {
         std::ofstream(file, std::ios::app) << line << '\n';
     }
+} catch (const std::exception&) {
+    return;
 }
 
 }  // namespace VssExample

@@ -16,7 +16,7 @@ namespace VssExample {
 namespace {
 
 std::atomic<long> objects{0};
-std::atomic<bool> threadsLeft{false};
+std::atomic<bool> threadsLeft{false};  // for good: the code of a thread stays that may still end
 
 HRESULT ResultOf(const ProviderError& error) {
     switch (error.kind) {
@@ -79,7 +79,7 @@ Provider::Provider() : core(WriteEvent, InitiatorName, ProviderCore::Patience{})
 }
 
 Provider::~Provider() {
-    threadsLeft = !core.OnUnload() || threadsLeft;
+    threadsLeft = !core.OnUnload(true) || threadsLeft;
     --objects;
 }
 
@@ -121,8 +121,8 @@ HRESULT Provider::OnLoad(IUnknown* /*callback*/) {
     return Guarded(true, [&] { core.OnLoad(); });
 }
 
-HRESULT Provider::OnUnload(WINBOOL /*forced*/) {
-    return Guarded(true, [&] { threadsLeft = !core.OnUnload() || threadsLeft; });
+HRESULT Provider::OnUnload(WINBOOL forced) {
+    return Guarded(true, [&] { threadsLeft = !core.OnUnload(forced != FALSE) || threadsLeft; });
 }
 
 HRESULT Provider::AreLunsSupported(LONG count, LONG /*context*/, VSS_PWSZ* /*devices*/, VDS_LUN_INFORMATION* luns,
