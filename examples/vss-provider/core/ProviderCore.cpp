@@ -84,8 +84,6 @@ struct ProviderCore::Commit {
     std::string anySource;             // a volume of the array: snapshots are deleted through one
     std::list<std::string> volumes;    // the names of all
     std::list<std::string> groups;
-    std::future<void> done;
-
     std::mutex mutex;
     bool ended = false;
     bool abandoned = false;
@@ -367,8 +365,9 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
         (*commit)->volumes.push_back(item.volume);
         (*commit)->groups.push_back(item.group);
     }
+    std::vector<std::future<void>> answers;  // not in the commits: a future holds its task, and that the commit
     for (const auto& commit : commits) {
-        commit->done = WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
+        answers.push_back(WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
             if (!commit->IsAbandoned()) {  // it may have waited for its turn behind another request that hung
                 commit->Take(array);
             }
@@ -377,10 +376,10 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
                 log("array " + commit->array + " has answered too late: its snapshots are removed");
                 commit->RemoveTaken(array, log);
             }
-        });
+        }));
     }
     try {
-        FinishCommit(set, commits);
+        FinishCommit(set, commits, answers);
         set.taken = std::time(nullptr);
         set.state = State::Committed;
     } catch (const std::exception&) {
@@ -389,11 +388,12 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
 }
 
 /// Waits for the snapshots of all arrays, as long as writers can hold still, and gives up on the others.
-void ProviderCore::FinishCommit(SnapshotSet& set, std::vector<std::shared_ptr<Commit>>& commits) {
+void ProviderCore::FinishCommit(SnapshotSet& set, const std::vector<std::shared_ptr<Commit>>& commits,
+                                const std::vector<std::future<void>>& answers) {
     const auto deadline = Clock::now() + waits.commit;
     std::string failures;
-    for (const auto& commit : commits) {
-        WorkerOf(commit->array).Await(commit->done, deadline);
+    for (std::size_t at = 0; at < commits.size(); ++at) {
+        WorkerOf(commits[at]->array).Await(answers[at], deadline);
     }
     for (const auto& commit : commits) {
         const std::lock_guard lock(commit->mutex);

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -101,7 +102,8 @@ private:
     std::string FindThisHost(const std::string& address, const std::string& initiator);
     Place PlaceOf(const std::string& target);
     void AwaitFreshNames(const SnapshotSet& set);
-    void FinishCommit(SnapshotSet& set, std::vector<std::shared_ptr<Commit>>& commits);
+    void FinishCommit(SnapshotSet& set, const std::vector<std::shared_ptr<Commit>>& commits,
+                      const std::vector<std::future<void>>& answers);
     void Clone(SnapshotItem& item);
     void Remove(const SnapshotItem& item);
     void UndoUnfinished(bool forced);

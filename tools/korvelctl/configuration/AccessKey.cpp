@@ -60,10 +60,8 @@ std::string ReadFromFile(const std::string& path) {
 std::string ReadFromInput() {
     const bool prompting = InputIsTerminal();
     const Patience::Pause pause;
-    if (prompting) {
-        std::cerr << "Access key: " << std::flush;
-    }
-    std::string line = ReadLine(KMaxAccessKeyLength + 1, Echo::Off);  // with the '\r' of a line's end
+    constexpr std::size_t bound = KMaxAccessKeyLength + 1;  // with the '\r' of a line's end
+    std::string line = prompting ? ReadSecret("Access key: ", bound) : ReadLine(bound);
     if (prompting) {
         std::cerr << '\n';
     }

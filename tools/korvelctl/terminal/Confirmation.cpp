@@ -27,7 +27,7 @@ void Confirm(bool yes, const std::string& consequence, const std::vector<std::st
         std::cerr << "  " << Printable(item) << '\n';
     }
     std::cerr << "Type yes to go on: " << std::flush;
-    const std::string answer = ReadLine(LongestAnswer, Echo::On);
+    const std::string answer = ReadLine(LongestAnswer);
     if (Interrupted()) {
         std::cerr << '\n';
         throw Failure(ExitInterrupted, "interrupted; nothing was changed");

@@ -1,6 +1,7 @@
 #include "terminal/System.h"
 
 #include <cstdlib>
+#include <iostream>
 
 #include "terminal/Interruption.h"
 
@@ -91,17 +92,6 @@ bool ReadByte(char& byte) {
 #endif
 }
 
-std::string ReadBoundedLine(std::size_t bound) {
-    std::string line;
-    for (char byte = 0; line.size() <= bound && ReadByte(byte) && byte != '\n';) {
-        line += byte;
-    }
-    if (!line.empty() && line.back() == '\r') {
-        line.pop_back();
-    }
-    return line;
-}
-
 #if defined(_WIN32)
 
 bool IsConsole(DWORD standardHandle) {
@@ -142,12 +132,21 @@ std::size_t ErrorWidth() {
 #endif
 }
 
-std::string ReadLine(std::size_t bound, Echo echo) {
-    if (echo == Echo::On) {
-        return ReadBoundedLine(bound);
+std::string ReadLine(std::size_t bound) {
+    std::string line;
+    for (char byte = 0; line.size() <= bound && ReadByte(byte) && byte != '\n';) {
+        line += byte;
     }
-    const EchoOff echoOff;
-    return ReadBoundedLine(bound);
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    return line;
+}
+
+std::string ReadSecret(const std::string& prompt, std::size_t bound) {
+    const EchoOff echoOff;  // first, since it drops what was typed before
+    std::cerr << prompt << std::flush;
+    return ReadLine(bound);
 }
 
 void SetEnvironment(const std::string& name, const std::string& value) {

@@ -16,18 +16,16 @@ bool ErrorIsTerminal();
 /// @return how many characters a line of standard error's terminal takes
 std::size_t ErrorWidth();
 
-/// Whether a line is shown while it is typed.
-enum class Echo { On, Off };
-
 /// The longest line that an answer to a question may have.
 inline constexpr std::size_t LongestAnswer = 64;
 
-/// Reads one line from standard input, up to a bound. Ends without one when the program is interrupted; a terminal
-/// without echo then has it again.
+/// Reads one line from standard input, up to a bound. Ends without one when the program is interrupted.
 /// @param bound what is longer is cut one character after it, so that the caller sees that it is longer
-/// @param echo off: a terminal does not show what is typed
 /// @return the line without its end; empty when there is none
-std::string ReadLine(std::size_t bound, Echo echo);
+std::string ReadLine(std::size_t bound);
+
+/// Asks for a line that the terminal does not show, and reads it as ReadLine does.
+std::string ReadSecret(const std::string& prompt, std::size_t bound);
 
 /// Sets an environment variable of this process, for the libraries it loads.
 void SetEnvironment(const std::string& name, const std::string& value);
