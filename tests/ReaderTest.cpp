@@ -1,11 +1,4 @@
 #include <gtest/gtest.h>
-#include <libxml/xmlerror.h>
-#include <libxml/xmlmemory.h>
-
-#include <cstdlib>
-#include <cstring>
-#include <new>
-#include <utility>
 
 #include "rest/KConnection.h"
 #include "support/Outcome.h"
@@ -220,72 +213,6 @@ TEST(KeptLeakTest, ADocumentIsLeftBehindWhenItsEvaluationFails) {
                    [] { return ""; }),
               "KException: Failed to evaluate xPath expression \n"
               "3 Entering KConnection::ParseResponseXML with xPathID: //[ CommandAction: 1\n0 std::exception\n");
-}
-
-long allocationsLeft = -1;  // before one of libxml2's fails; negative: none does
-
-void* Allocate(std::size_t size) {
-    return allocationsLeft >= 0 && allocationsLeft-- == 0 ? nullptr : std::malloc(size);
-}
-
-char* Duplicate(const char* text) {
-    void* copy = Allocate(std::strlen(text) + 1);
-    return copy == nullptr ? nullptr : std::strcpy(static_cast<char*>(copy), text);
-}
-
-// NOLINTNEXTLINE(cert-dcl50-cpp): libxml2's way
-void KeepQuiet(void* /*context*/, const char* /*format*/, ...) {}
-
-/// Fails each allocation of a reader in turn.
-/// @return how the calls ended that did not throw, without repetitions
-template <typename Call>
-std::list<std::string> OutcomesWithoutMemory(Call call) {
-    EXPECT_EQ(xmlMemSetup(std::free, Allocate, std::realloc, Duplicate), 0);
-    xmlSetGenericErrorFunc(nullptr, KeepQuiet);
-    std::list<std::string> outcomes;
-    bool failed = true;
-    for (long before = 0; failed; ++before) {
-        allocationsLeft = before;
-        std::string outcome;
-        try {
-            outcome = call();
-        } catch (const KException&) {
-        } catch (const std::bad_alloc&) {
-        }
-        failed = std::exchange(allocationsLeft, -1) < 0;
-        if (!outcome.empty()) {
-            outcomes.push_back(outcome);
-        }
-    }
-    xmlSetGenericErrorFunc(nullptr, nullptr);
-    xmlMemSetup(std::free, std::malloc, std::realloc, Duplicate);
-    outcomes.unique();
-    TakeRecords();
-    return outcomes;
-}
-
-TEST(ReaderTest, WithoutMemoryAReplyIsNeverShorter) {
-    KConnection reader("array", "key");
-    const auto volumes = [&] {
-        std::list<KVolumeRecord> records;
-        const int status = reader.ParseVolumeList(
-            "<volumes><volume><name>a&lt;b</name><cg-name>g</cg-name></volume><volume><name>&amp;c</name></volume></"
-            "volumes>",
-            &records);
-        std::string text = std::to_string(status);
-        for (const KVolumeRecord& record : records) {
-            text += ' ' + record.name + ' ' + record.cgName;
-        }
-        return text;
-    };
-    EXPECT_EQ(OutcomesWithoutMemory(volumes), std::list<std::string>{"0 a<b g &c "});
-    const auto refusal = [&] {
-        CommandResponse response;
-        const int status =
-            reader.ParseResponseXML("<r><status>9</status><status-msg>a&lt;b</status-msg></r>", "//r", 1, response);
-        return std::to_string(status) + ' ' + response.status + ' ' + response.statusMsg;
-    };
-    EXPECT_EQ(OutcomesWithoutMemory(refusal), std::list<std::string>{"0 9 a<b"});
 }
 
 }  // namespace
