@@ -7,7 +7,7 @@
 
 namespace Korvel {
 
-class KRegScanner;
+struct KRegStatement;
 
 /// A registry that is kept in a file, in the registry editor's export format ("Windows Registry Editor Version 5.00").
 ///
@@ -28,8 +28,7 @@ public:
     const KRegNode* Find(std::string_view path) const;
 
 private:
-    void ReadKey(KRegScanner& scanner);
-    void ReadValue(KRegScanner& scanner);
+    void Apply(const KRegStatement& statement);
 
     KRegNode hives;
     KRegNode* section = nullptr;  // the key that the values which follow belong to

@@ -46,6 +46,12 @@ public:
     /// @return the line's number, from 1; 0 before the first NextLine()
     std::size_t LineNumber() const { return lineNumber; }
 
+    /// @return where the rest of the line begins in the file's text, in bytes; only after a NextLine() that found one
+    std::size_t Position() const { return static_cast<std::size_t>(rest.data() - text.data()); }
+
+    /// @return where what was taken so far ends, without the blanks after it
+    std::size_t EndOfTaken() const { return text.find_last_not_of(" \t", Position() - 1) + 1; }
+
     [[noreturn]] void Fail(const std::string& fault) const;
 
 private:
