@@ -143,6 +143,8 @@ private:
         if (!(file << content << std::flush)) {
             throw std::runtime_error("the registry file can't be written");
         }
+        using std::filesystem::perms;
+        std::filesystem::permissions(folder / "registry.reg", perms::owner_read | perms::owner_write);
     }
 
     std::filesystem::path folder;

@@ -11,10 +11,12 @@ void AddTargetOptions(CLI::App& command, Target& target) {
     AddKeyOptions(command, target.key);
 }
 
-void AddKeyOptions(CLI::App& command, KeySource& key) {
-    CLI::Option* file = command.add_option("--key-file", key.file, "Read the access key from a file, not the registry")
-                            ->type_name("FILE");
-    command.add_flag("--key-stdin", key.standardInput, "Read the access key from standard input, not the registry")
+void AddKeyOptions(CLI::App& command, KeySource& key, const char* instead) {
+    CLI::Option* file =
+        command.add_option("--key-file", key.file, std::string("Read the access key from a file") + instead)
+            ->type_name("FILE");
+    command
+        .add_flag("--key-stdin", key.standardInput, std::string("Read the access key from standard input") + instead)
         ->excludes(file);
 }
 

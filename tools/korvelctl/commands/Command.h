@@ -23,7 +23,8 @@ struct CommandText {
 void AddTargetOptions(CLI::App& command, Target& target);
 
 /// Adds the options for an access key that is not the registry's.
-void AddKeyOptions(CLI::App& command, KeySource& key);
+/// @param instead what the help says after where the key is read from
+void AddKeyOptions(CLI::App& command, KeySource& key, const char* instead = ", not the registry");
 
 /// Adds --yes to a command that destroys something.
 void AddYesOption(CLI::App& command, bool& yes);

@@ -22,7 +22,7 @@ const Family Families[] = {
     {"snapshot", "Snapshots of volumes", {AddSnapshotList, AddSnapshotCreate, AddSnapshotDelete}},
     {"group", "The consistency groups of the volumes", {AddGroupList}},
     {"server", "The hosts an array knows", {AddServerList, AddServerFind}},
-    {"config", "The arrays' configuration", {AddConfigCheck}},
+    {"config", "The arrays' configuration", {AddConfigCheck, AddConfigAdd, AddConfigSetKey, AddConfigRemove}},
 };
 
 void AddProgramOptions(CLI::App& program, CommandLine& line) {

@@ -29,6 +29,9 @@ void AddSnapshotDelete(CLI::App& family, CommandLine& line);
 void AddGroupList(CLI::App& family, CommandLine& line);
 void AddServerList(CLI::App& family, CommandLine& line);
 void AddServerFind(CLI::App& family, CommandLine& line);
+void AddConfigAdd(CLI::App& family, CommandLine& line);
+void AddConfigSetKey(CLI::App& family, CommandLine& line);
+void AddConfigRemove(CLI::App& family, CommandLine& line);
 void AddConfigCheck(CLI::App& family, CommandLine& line);
 /// @}
 

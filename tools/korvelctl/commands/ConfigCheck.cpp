@@ -1,9 +1,12 @@
+#include <set>
 #include <string>
+#include <vector>
 
 #include "commands/Command.h"
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
 #include "configuration/Configuration.h"
+#include "configuration/Inspection.h"
 #include "outcome/ExitStatus.h"
 #include "outcome/Report.h"
 
@@ -12,6 +15,23 @@ namespace {
 
 struct Options {};
 
+void AddFinding(Report& report, const Finding& finding) {
+    report.AddRow({finding.array, finding.text, finding.place});
+    const std::string subject = finding.array.empty() ? "" : "array " + finding.array + ": ";
+    report.AddProblem({finding.place + ": " + subject + finding.text, ExitFailed, finding.array});
+}
+
+/// @return what is hardly meant, then what the library cannot use
+std::vector<Finding> FindAll(const Configuration& configuration) {
+    std::vector<Finding> all = Inspect(configuration);
+    for (const ConfiguredArray& array : configuration.arrays) {
+        for (const std::string& fault : array.faults) {
+            all.push_back({array.address, fault, array.place});
+        }
+    }
+    return all;
+}
+
 void Run(const Options& /*options*/, Report& report) {
     const Configuration configuration = ReadConfiguration();
     report.SetColumns({{"Array", "array"}, {"Finding", "finding"}, {"Where", "place"}});
@@ -19,21 +39,21 @@ void Run(const Options& /*options*/, Report& report) {
     for (const std::string& fault : configuration.faults) {
         report.AddProblem({fault});
     }
+    std::set<std::string> found;
+    for (const Finding& finding : FindAll(configuration)) {
+        AddFinding(report, finding);
+        found.insert(finding.array);
+    }
     for (const ConfiguredArray& array : configuration.arrays) {
-        for (const std::string& fault : array.faults) {
-            report.AddRow({array.address, fault, array.place});
-            report.AddProblem({array.place + ": array " + array.address + ": " + fault, ExitFailed, array.address});
-        }
-        if (array.faults.empty()) {
+        if (found.count(array.address) == 0) {
             report.AddRow({array.address, "in order", array.place});
         }
     }
+    const std::string subject = "The configuration in " + configuration.source;
     if (!report.Problems().empty()) {
-        report.SetSentence("The configuration in " + configuration.source + " has faults.");
-    } else if (report.HasRows()) {
-        report.SetSentence("The configuration in " + configuration.source + " is in order.");
+        report.SetSentence(subject + " has faults.");
     } else {
-        report.SetSentence("The configuration in " + configuration.source + " is in order; it names no array.");
+        report.SetSentence(subject + (report.HasRows() ? " is in order." : " is in order; it names no array."));
     }
 }
 

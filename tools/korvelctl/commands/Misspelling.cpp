@@ -2,34 +2,18 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <string_view>
+
+#include "text/EditDistance.h"
 
 namespace Korvel::Ctl {
 namespace {
 
-/// @return how many characters have to be put, taken away or changed to make one word of the other
-std::size_t Distance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    for (std::size_t j = 0; j < row.size(); ++j) {
-        row[j] = j;
-    }
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t above = row[j + 1];
-            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (from[i] == to[j] ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row.back();
-}
-
 std::string Sentence(const std::string& kind, const std::string& word, const std::vector<std::string>& known) {
     std::string text = "there is no " + kind + " '" + word + "'";
     const auto nearest = std::min_element(known.begin(), known.end(), [&word](const auto& one, const auto& other) {
-        return Distance(word, one) < Distance(word, other);
+        return EditDistance(word, one) < EditDistance(word, other);
     });
-    if (nearest != known.end() && Distance(word, *nearest) <= std::max<std::size_t>(2, word.size() / 3)) {
+    if (nearest != known.end() && EditDistance(word, *nearest) <= std::max<std::size_t>(2, word.size() / 3)) {
         text += "; do you mean '" + *nearest + "'?";
     }
     return text;

@@ -79,4 +79,13 @@ std::string ReadAccessKey(const KeySource& source) {
     return accessKey;
 }
 
+std::string ReadNewAccessKey(KeySource source) {
+    if (!source.IsGiven() && !InputIsTerminal()) {
+        throw Failure(ExitWrongUsage,
+                      "give the access key by --key-file or --key-stdin: there is no terminal to ask on");
+    }
+    source.standardInput = source.file.empty();
+    return ReadAccessKey(source);
+}
+
 }  // namespace Korvel::Ctl

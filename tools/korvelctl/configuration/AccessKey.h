@@ -19,4 +19,8 @@ struct KeySource {
 /// @throws Failure when there is none or it cannot be sent
 std::string ReadAccessKey(const KeySource& source);
 
+/// Reads an access key that is to be stored: as ReadAccessKey(), and without a source it is asked for on the terminal.
+/// @throws Failure when there is none, it cannot be sent, or there is nobody to ask
+std::string ReadNewAccessKey(KeySource source);
+
 }  // namespace Korvel::Ctl

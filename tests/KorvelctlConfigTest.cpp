@@ -1,0 +1,205 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+#include "support/Korvelctl.h"
+
+namespace Korvel::Testing {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct Step {
+    std::string arguments;
+    int status;
+    std::string shown;
+    std::string input = {};
+};
+
+TEST_F(KorvelctlTest, ArraysAreConfiguredAndForgotten) {
+    registry.Clear();
+    WriteFile(OwnFile("key"), simulator.Key(0) + "\n");
+    const Step steps[] = {
+        {"config add {A} --key-stdin", 0, "added", "not the key"},
+        {"array validate {A}", 1, "does not accept the access key"},
+        {"config set-key {A} --key-file " + OwnFile("key"), 0, "replaced"},
+        {"array validate {A}", 0, "accepted"},
+        {"config add {A} --key-stdin", 1, "is configured already", "other"},
+        {"config add Array.Example --key-stdin", 0, "added", R"(a"b\c)"},
+        {"config add array.EXAMPLE --key-stdin", 1, "is configured already", "other"},
+        {"config check", 0, "Array.Example"},
+        {"config set-key 10.0.0.9 --key-stdin", 2, "no array 10.0.0.9", "key"},
+        {"config remove 10.0.0.9", 2, "no array 10.0.0.9"},
+        {"config remove array.example", 0, "removed"},
+        {"config remove array.example", 2, "no array"},
+        {"config remove \"\\\\\"", 2, "no array"},
+        {"config remove", 64, "ADDRESS"},
+        {"config add 10.0.0.9", 64, "--key-file or --key-stdin"},
+        {"config add 10.0.0.9 --key-stdin", 64, "is empty", "\n"},
+        {"config add 10.0.0.9/x --key-stdin", 64, "'/'", "key"},
+        {"config add " + std::string(233, 'a') + " --key-stdin", 64, "at most 232", "key"},
+        {"config add 10.0.0.9 --key-stdin", 64, "at most 241", std::string(242, 'k')},
+        {"config add 10.0.0.9 --key-stdin --json", 0, "\"added\"", std::string(241, 'k')},
+        {"array validate {A}", 0, "accepted"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_THAT(Run(step.arguments, step.input), EndsWith(step.status, HasSubstr(step.shown))) << step.arguments;
+    }
+}
+
+TEST_F(KorvelctlTest, TheConfigurationCheckFindsWhatIsHardlyMeant) {
+    struct Value {
+        std::string address;
+        std::string name;
+        unsigned long type;
+        std::string bytes;
+        std::string finding;
+    };
+    using namespace std::string_literals;
+    const Value values[] = {
+        {"10.0.0.9", "AccessKey", 3, "k\0e\0y\0\0\0"s, "the AccessKey value is UTF-16 in bytes"},
+        {"10.0.0.9", "AccessKey", 3, "key\0more"s, "holds a zero byte"},
+        {"10.0.0.9", "AccessKey", 4, "keys", "is a number"},
+        {"10.0.0.9", "AcessKey", 1, "key\0"s, "the value 'AcessKey' is not read: is 'AccessKey' meant?"},
+        {simulator.Address(0) + ".", "AccessKey", 1, "key\0"s, "another access key"},
+        {simulator.Address(0) + ".", "AccessKey", 1, simulator.Key(0) + '\0', "the same access key"},
+    };
+    for (const Value& value : values) {
+        registry.SetBytes(value.address, value.name, value.type, {value.bytes.begin(), value.bytes.end()});
+        EXPECT_THAT(Run("config check"), EndsWith(1, HasSubstr(value.finding)));
+        EXPECT_THAT(Run("config check --json").out, HasSubstr(value.finding));
+        registry.Remove(value.address);
+    }
+    EXPECT_EQ(Run("config check").status, 0);
+}
+
+#if !defined(_WIN32)
+
+const std::string Header = "Windows Registry Editor Version 5.00\n";
+const std::string Root = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider";
+const std::string Other = "[" + Root + "\\10.0.0.2] ;two\n  \"AccessKey\" = \"2\";no blank\n@=hex(7):41,\\\n42\n\n";
+
+std::string RegistryPath() {
+    return std::getenv("KORVEL_REGISTRY");
+}
+
+std::string Entry(const std::string& values) {
+    return "[" + Root + "\\10.0.0.1]\n" + values;
+}
+
+TEST_F(KorvelctlTest, OfTheRegistryFileNothingButTheEntryChanges) {
+    struct Edit {
+        std::string command;
+        std::string before;
+        std::string after;
+    };
+    const std::string set = "set-key 10.0.0.1 --key-stdin";
+    const std::string stored = "\"AccessKey\"=\"k\\\\\"\n";
+    const Edit edits[] = {
+        {"add 10.0.0.1 --key-stdin", Header + Other, Header + Other + "\n" + Entry(stored)},
+        {"add 10.0.0.1 --key-stdin", Header + "; no end", Header + "; no end\n\n" + Entry(stored)},
+        {"remove 10.0.0.1", Header + Other + "\n" + Entry(stored), Header + Other},
+        {"remove 10.0.0.1", Header + Entry("\"a\"=\"b\"\n; kept\n") + Other, Header + "; kept\n" + Other},
+        {"remove 10.0.0.1", Header + "[" + Root + "\\10.0.0.1] ; kept\n" + Other, Header + "; kept\n" + Other},
+        {"remove 10.0.0.1", Header + Entry("[" + Root + "\\10.0.0.1\\deep]\n@=\"x\"\n") + Other + Entry(""),
+         Header + Other.substr(0, Other.size() - 1)},
+        {set, Header + Entry(" \"accesskey\"= \"1\" ; kept\n") + Other,
+         Header + Entry(" \"accesskey\"= \"k\\\\\" ; kept\n") + Other},
+        {set, Header + Entry("\"AccessKey\"=hex:31,\\ ; first\n 32 ;second\n"),
+         Header + Entry("; first\n\"AccessKey\"=\"k\\\\\" ;second\n")},
+        {set, Header + Entry("\"AccessKey\"=\"1\"\n\"b\"=\"c\"\n") + Entry("\"AccessKey\"=\"2\"\n"),
+         Header + Entry("\"b\"=\"c\"\n") + Entry(stored)},
+        {set, Header + Entry("\"AccessKey\"=\"1\"\n") + "[-" + Root + "]\n" + Entry("; none\n") + Other,
+         Header + Entry("") + "[-" + Root + "]\n" + Entry(stored + "; none\n") + Other},
+        {set, Header + "[" + Root + "\\10.0.0.1\\deep]\n",
+         Header + "[" + Root + "\\10.0.0.1\\deep]\n\n" + Entry(stored)},
+    };
+    for (const Edit& edit : edits) {
+        for (const std::string mark : {"", "\xEF\xBB\xBF"}) {
+            WriteFile(RegistryPath(), mark + edit.before);
+            EXPECT_EQ(Run("config " + edit.command, "k\\").status, 0) << edit.before;
+            EXPECT_EQ(ReadFile(RegistryPath()), mark + edit.after);
+        }
+    }
+}
+
+TEST_F(KorvelctlTest, TheRegistryFileKeepsItsEncodingItsPlaceAndItsSecrets) {
+    namespace fs = std::filesystem;
+    // As the registry editor exports it: two bytes for each character, a carriage return before each line's end.
+    const auto wide = [](const std::u16string& text) {
+        std::string bytes = "\xFF\xFE";
+        for (const char16_t unit : text) {
+            bytes += {static_cast<char>(unit & 0xff), static_cast<char>(unit >> 8)};
+        }
+        return bytes;
+    };
+    const std::u16string begin = u"Windows Registry Editor Version 5.00\r\n; \u00e4\u20ac\U0001F5C4\r\n";
+    const std::u16string entry =
+        u"\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\HwProvider\\10.0.0.1]\r\n"
+        u"\"AccessKey\"=\"k\u00e4\U0001F5C4\"\r\n";
+    const std::string target = OwnFile("moved.reg");
+    WriteFile(target, wide(begin));
+    fs::permissions(target, fs::perms(0644));
+    fs::remove(RegistryPath());
+    fs::create_symlink(target, RegistryPath());
+    EXPECT_EQ(Run("config add 10.0.0.1 --key-stdin", "k\xc3\xa4\xf0\x9f\x97\x84").status, 0);
+    WriteFile(OwnFile("wanted"), wide(begin + entry));
+    EXPECT_EQ(ReadFile(target), ReadFile(OwnFile("wanted")));
+    EXPECT_TRUE(fs::is_symlink(RegistryPath()));
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms(0600));
+    EXPECT_EQ(Run("config remove 10.0.0.1").status, 0);
+    WriteFile(OwnFile("wanted"), wide(begin));
+    EXPECT_EQ(ReadFile(target), ReadFile(OwnFile("wanted")));
+
+    // What cannot be changed is left as it was.
+    const std::string malformed = Header + "[" + Root + "\n";
+    WriteFile(target, malformed);
+    EXPECT_THAT(Run("config add 10.0.0.1 --key-stdin", "k"), EndsWith(1, HasSubstr(":2: key is not closed")));
+    EXPECT_EQ(ReadFile(target), malformed);
+    WriteFile(target, Header);
+    EXPECT_THAT(Run("config add 'a];b' --key-stdin", "k"), EndsWith(64, HasSubstr("no way to write this")));
+    EXPECT_THAT(Run("config add 10.0.0.1 --key-stdin", "\xff"), EndsWith(64, HasSubstr("not UTF-8")));
+    EXPECT_EQ(ReadFile(target), Header);
+
+    // A file that is missing is made, with its folder.
+    fs::remove(RegistryPath());
+    const fs::path made = OwnFile("etc");
+    setenv("KORVEL_REGISTRY", (made / "registry.reg").c_str(), 1);
+    EXPECT_EQ(Run("config add 10.0.0.1 --key-stdin", "k").status, 0);
+    EXPECT_EQ(Run("config check").status, 0);
+    EXPECT_EQ(fs::status(made / "registry.reg").permissions(), fs::perms(0600));
+    EXPECT_EQ(std::distance(fs::directory_iterator(made), {}), 1) << "a temporary file stays";
+}
+
+TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {
+    const std::string key = "\"AccessKey\"=\"1\"\n";
+    const std::pair<std::string, std::string> findings[] = {
+        {Entry(key) + "[HKEY_LOCAL_MACHINE\\Software\\Korvel\\HwProvidr\\10.0.0.3]\n" + key,
+         ":4: the key HKEY_LOCAL_MACHINE\\Software\\Korvel\\HwProvidr is not read"},
+        {Entry(key + key), ":4: array 10.0.0.1: the value 'AccessKey' is given twice: the one in line 3"},
+        {Entry(key) + Entry("\"accesskey\"=\"2\"\n"),
+         ":5: array 10.0.0.1: the value 'accesskey' is given twice and differs"},
+        {Entry("\"AccessKey\"=hex(1):31,00,32,00,00,00\n"), ":3: array 10.0.0.1: the AccessKey value is UTF-16"},
+        {Entry("\"AccessKey\"=dword:41\n"), ":3: array 10.0.0.1: the AccessKey value is a number"},
+        // what looks like it and is in order
+        {Entry(key + "\"AccessKey\"=-\n" + key), ""},
+        {Entry(key) + "[-" + Root + "\\10.0.0.1]\n" + Entry(key), ""},
+        {Entry(key) + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvel\\VssProvider]\n@=\"1\"\n@=\"2\"\n", ""},
+    };
+    for (const auto& [text, finding] : findings) {
+        WriteFile(RegistryPath(), Header + text);
+        EXPECT_THAT(Run("config check"), EndsWith(finding.empty() ? 0 : 1, HasSubstr(finding))) << text;
+    }
+    std::filesystem::permissions(RegistryPath(), std::filesystem::perms(0644));
+    EXPECT_THAT(Run("config check"), EndsWith(1, HasSubstr("other users can read the file")));
+    EXPECT_THAT(Run("config check --json").out, HasSubstr("other users can read the file"));
+}
+
+#endif
+
+}  // namespace
+}  // namespace Korvel::Testing
