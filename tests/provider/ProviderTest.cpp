@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -217,22 +218,24 @@ TEST_F(ProviderTest, AnUnloadInTheMiddleUndoesTheSet) {
 
 TEST(LunIdentity, IsTheNaaIdentifierInEitherCodeSet) {
     struct Case {
-        StorageIdentifier identifier;
-        std::string id;
+        int codeSet;
+        int type;
+        std::string_view bytes;
+        const char* id;
     };
-    const std::string id = Id(0, 1);
     const Case cases[] = {
-        {NaaIdentifier(id), id},
-        {{1, 3, std::string("\x60\x01\xf3\0", 4)}, "6001f300"},
-        {{2, 3, "6001F3A0"}, "6001f3a0"},
-        {{3, 3, "6001f3a0"}, "6001f3a0"},
-        {{2, 3, "naa.6001f3a0"}, ""},
-        {{1, 2, "\x60\x01\xf3\xa0"}, ""},
-        {{1, 3, ""}, ""},
+        {1, 3, {"\x60\x01\xf3\0", 4}, "6001f300"},
+        {2, 3, "6001F3A0", "6001f3a0"},
+        {3, 3, "6001f3a0", "6001f3a0"},
+        {2, 3, "naa.6001f3a0", ""},
+        {1, 2, "\x60\x01\xf3\xa0", ""},
+        {1, 3, "", ""},
     };
     for (const Case& each : cases) {
-        EXPECT_EQ(IeeeIdentifierOf({{2, 1, "a vendor's"}, each.identifier}), each.id) << each.identifier.bytes;
+        const StorageIdentifier identifier{each.codeSet, each.type, std::string(each.bytes)};
+        EXPECT_EQ(IeeeIdentifierOf({{2, 1, "a vendor's"}, identifier}), each.id) << each.bytes;
     }
+    EXPECT_EQ(IeeeIdentifierOf({NaaIdentifier(Id(0, 1))}), Id(0, 1));
     EXPECT_THROW(NaaIdentifier("6001f"), std::invalid_argument);
     EXPECT_THROW(NaaIdentifier("6001x3"), std::invalid_argument);
 }

@@ -46,7 +46,7 @@ std::string IeeeIdentifierOf(const std::vector<StorageIdentifier>& identifiers) 
         if (identifier.type != naaType) {
             continue;
         }
-        const std::string hex =
+        std::string hex =
             identifier.codeSet == binaryCodeSet ? HexOfBytes(identifier.bytes) : HexOfText(identifier.bytes);
         if (!hex.empty()) {
             return hex;

@@ -9,12 +9,11 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
-
-#include <cerrno>
 #endif
 
 #if defined(__MINGW32__)
@@ -84,11 +83,11 @@ bool ReadByte(char& byte) {
     DWORD count = 0;
     return ReadFile(GetStdHandle(STD_INPUT_HANDLE), &byte, 1, &count, nullptr) != 0 && count == 1;
 #else
-    ssize_t count = -1;
-    do {
-        count = read(STDIN_FILENO, &byte, 1);
-    } while (count < 0 && errno == EINTR && !Interrupted());
-    return count == 1;
+    constexpr int lookAgain = 100;  // milliseconds: an interruption just before the wait ends it only then
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    while (!Interrupted() && poll(&input, 1, lookAgain) <= 0) {
+    }
+    return !Interrupted() && read(STDIN_FILENO, &byte, 1) == 1;
 #endif
 }
 
