@@ -6,6 +6,7 @@
 #include <ctime>
 #include <future>
 #include <list>
+#include <ranges>
 #include <thread>
 #include <utility>
 
@@ -270,7 +271,7 @@ void ProviderCore::BeginPrepareSnapshot(const std::string& setId, const std::str
     if (!loaded) {
         throw ProviderError(Kind::BadState, "BeginPrepareSnapshot: the provider is not loaded");
     }
-    if (sets.count(setId) != 0) {
+    if (sets.contains(setId)) {
         Require(setId, State::Preparing, "BeginPrepareSnapshot");
     }
     std::vector<SnapshotItem> items;
@@ -284,7 +285,7 @@ void ProviderCore::BeginPrepareSnapshot(const std::string& setId, const std::str
             return item.array == found.array && item.group == found.group;
         };
         if (std::any_of(items.begin(), items.end(), taken) ||
-            (sets.count(setId) != 0 && std::any_of(sets[setId].items.begin(), sets[setId].items.end(), taken))) {
+            (sets.contains(setId) && std::any_of(sets[setId].items.begin(), sets[setId].items.end(), taken))) {
             throw ProviderError(Kind::Veto,
                                 "volume " + found.volume + " shares its consistency group with another one of the set");
         }
@@ -313,7 +314,7 @@ void ProviderCore::EndPrepareSnapshots(const std::string& setId) {
     try {
         const std::string initiator = hostInitiator();
         for (const SnapshotItem& item : set.items) {
-            if (servers.count(item.array) == 0) {
+            if (!servers.contains(item.array)) {
                 servers[item.array] = FindThisHost(item.array, initiator);
             }
         }
@@ -366,6 +367,7 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
         (*commit)->groups.push_back(item.group);
     }
     std::vector<std::future<void>> answers;  // not in the commits: a future holds its task, and that the commit
+    answers.reserve(commits.size());
     for (const auto& commit : commits) {
         answers.push_back(WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
             if (!commit->IsAbandoned()) {  // it may have waited for its turn behind another request that hung
@@ -513,7 +515,7 @@ void ProviderCore::OnLunEmpty(const std::string& target) {
 
 void ProviderCore::AbortSnapshots(const std::string& setId) {
     const std::lock_guard lock(mutex);
-    if (sets.count(setId) == 0) {
+    if (!sets.contains(setId)) {
         throw ProviderError(Kind::NotFound, "AbortSnapshots: there is no snapshot set " + setId);
     }
     Undo(setId);
@@ -562,8 +564,8 @@ void ProviderCore::UndoUnfinished(bool forced) {
 
 void ProviderCore::Undo(const std::string& setId) {
     const auto set = sets.find(setId);
-    for (auto item = set->second.items.rbegin(); item != set->second.items.rend(); ++item) {
-        Remove(*item);
+    for (const SnapshotItem& item : std::ranges::reverse_view(set->second.items)) {
+        Remove(item);
     }
     sets.erase(set);
 }
