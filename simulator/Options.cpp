@@ -3,6 +3,10 @@
 #include <arpa/inet.h>
 
 #include <CLI/CLI.hpp>
+#include <fstream>
+
+#include "page/ManPage.h"
+#include "tree/Description.h"
 
 namespace Korvel::Sim {
 namespace {
@@ -23,6 +27,14 @@ std::string CheckLoopback(const std::string& text) {
     in_addr address = {};
     const bool loopback = inet_pton(AF_INET, text.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24U) == 127;
     return loopback ? "" : "only loopback addresses are served, 127.0.0.1 for example";
+}
+
+std::string ManPage(const CLI::App& app) {
+    return Reference::ProgramPage(Reference::Describe(app), KORVEL_VERSION,
+                                  {{"EXIT STATUS",
+                                    {{"0", "ended by Ctrl-C or the control interface"},
+                                     {"1", "failed: a message says why"},
+                                     {"64", "wrong usage"}}}});
 }
 
 void Declare(CLI::App& app, Options& options) {
@@ -50,6 +62,13 @@ void Declare(CLI::App& app, Options& options) {
     number("--drives", options.fill.drives, 0, 100000, "drives of each array");
     number("--journal", options.journal, 1, 10000000, "requests the journal keeps");
     app.add_option("--reg-file", options.regFile, "write the registry entries to this file too");
+    const auto writePage = [&app](const std::string& path) {
+        if (!(std::ofstream(path) << ManPage(app)).flush()) {
+            throw CLI::FileError(path + " cannot be written");
+        }
+        throw CLI::Success();
+    };
+    app.add_option_function<std::string>("--man-page", writePage, "write the manual page")->group("");  // for the build
 }
 
 }  // namespace

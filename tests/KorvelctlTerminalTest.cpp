@@ -135,6 +135,13 @@ TEST_F(KorvelctlTest, AKeyIsNotShownAndAnInterruptionLeavesTheTerminalAsItWas) {
     EXPECT_EQ(terminal.End(), 0) << terminal.screen;
     EXPECT_THAT(terminal.screen, Not(HasSubstr(simulator.Key())));
 
+    Terminal storing("config add 10.0.0.9");
+    storing.ReadUntil("Access key: ");
+    storing.Type("typed\n");
+    EXPECT_EQ(storing.End(), 0) << storing.screen;
+    EXPECT_THAT(storing.screen, Not(HasSubstr("typed")));
+    EXPECT_THAT(ReadFile(std::getenv("KORVEL_REGISTRY")), HasSubstr("\"typed\""));
+
     Terminal impatient(validate);
     impatient.ReadUntil("Access key: ");
     while (impatient.Echoes()) {

@@ -53,8 +53,9 @@ need_packages() {
 native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-dev libssl-dev libcpp-httplib-dev
     nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
 
-# What checking it needs besides; llvm names the functions in what a sanitizer reports.
-check_packages=(clang clang-format clang-tidy libclang-rt-14-dev llvm ccache shellcheck)
+# What checking it needs besides; llvm names the functions in what a sanitizer reports; pages and completion are tried by
+# what shows and runs them.
+check_packages=(clang clang-format clang-tidy libclang-rt-14-dev llvm ccache shellcheck groff-base zsh fish)
 
 # Keeps compiled objects between runs, wherever the tree lies. Wants the package ccache.
 use_compiler_cache() {

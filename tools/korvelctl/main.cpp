@@ -56,6 +56,14 @@ int Show(Report& report) {
     return report.Status();
 }
 
+int ShowDocument(const std::string& document) {
+    if (!(std::cout << document).flush()) {
+        std::cerr << "korvelctl: the result could not be written\n";
+        return ExitFailed;
+    }
+    return ExitDone;
+}
+
 int Run(int argc, char** argv) {
     CommandLine line;
     CLI::App program;
@@ -70,6 +78,9 @@ int Run(int argc, char** argv) {
         std::cerr << "korvelctl: " << Printable(misspelling.empty() ? error.what() : misspelling)
                   << "\n'korvelctl --help' lists the commands.\n";
         return ExitWrongUsage;
+    }
+    if (!line.document.empty() && !line.asJson) {
+        return ShowDocument(line.document);
     }
     Report report(MakeWriter(line));
     Carry(line, report);

@@ -13,6 +13,7 @@ struct CommandLine {
     std::string logFile;
     std::string logLevel;
     double timeout = 0;                   ///< in seconds; 0 for none
+    std::string document;                 ///< what is written as it stands instead, save in JSON; mostly empty
     std::function<void(Report&)> action;  ///< carries the command out and fills the report
 };
 

@@ -1,6 +1,11 @@
 #include "commands/CommandTable.h"
 
+#include <iomanip>
+#include <sstream>
+#include <string>
 #include <vector>
+
+#include "outcome/ExitMeaning.h"
 
 namespace Korvel::Ctl {
 namespace {
@@ -25,6 +30,15 @@ const Family Families[] = {
     {"config", "The arrays' configuration", {AddConfigCheck, AddConfigAdd, AddConfigSetKey, AddConfigRemove}},
 };
 
+std::string DescribeStatuses() {
+    std::ostringstream text;
+    text << "Exit status:\n";
+    for (const ExitMeaning& meaning : ExitMeanings) {
+        text << "  " << std::left << std::setw(28) << static_cast<int>(meaning.status) << meaning.meaning << '\n';
+    }
+    return text.str() + '\n';
+}
+
 void AddProgramOptions(CLI::App& program, CommandLine& line) {
     program.set_version_flag("--version", "korvelctl " KORVELCTL_VERSION);
     program.set_help_flag("--help,-h", "Show this help");
@@ -41,10 +55,7 @@ void AddProgramOptions(CLI::App& program, CommandLine& line) {
                     "Wait at most so long for the arrays; what has not answered then is named")
         ->check(CLI::PositiveNumber)
         ->type_name("SECONDS");
-    program.footer(
-        "Exit status: 0 done, 1 failed, 2 not found, 3 done in part, 4 declined at the prompt, 64 wrong usage,\n"
-        "75 outcome unknown (a change was asked for and not answered), 130 interrupted.\n"
-        "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
+    program.footer(DescribeStatuses() + "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
 }
 
 }  // namespace
@@ -63,6 +74,8 @@ void DeclareCommands(CLI::App& program, CommandLine& line) {
             addTo(*family, line);
         }
     }
+    AddCompletion(program, line);
+    AddReferenceFiles(program, line);
 }
 
 }  // namespace Korvel::Ctl

@@ -33,6 +33,8 @@ void AddConfigAdd(CLI::App& family, CommandLine& line);
 void AddConfigSetKey(CLI::App& family, CommandLine& line);
 void AddConfigRemove(CLI::App& family, CommandLine& line);
 void AddConfigCheck(CLI::App& family, CommandLine& line);
+void AddCompletion(CLI::App& program, CommandLine& line);
+void AddReferenceFiles(CLI::App& program, CommandLine& line);
 /// @}
 
 }  // namespace Korvel::Ctl
