@@ -111,6 +111,8 @@ TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
         {"POST", set, "snapshots_set_1_name=\xc0\xaf&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
          "not allowed"},
         {"POST", set, "snapshots_set_1_name=\xff&snapshots_set_1_cg=cg-00000001", "create-snapshot-set", "not allowed"},
+        {"POST", set, "snapshots_set_1_name=\x8c\x8c&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
+         "not allowed"},
         {"DELETE", "/api/snapshots/nix", "", "delete-snapshot", "nix does not exist"},
         {"DELETE", "/api/volumes/a/b%2f", "", "delete-volume", "Volume a/b%2f does not exist"},
         {"POST", "/api/consistency_groups/cg-00000001/clone", "snapshot=nix&name=n&timeout=30", "clone-cg", "nix"},

@@ -54,7 +54,10 @@ std::string ReplyWriter::Finish() {
 }
 
 bool ReplyWriter::CanHold(const std::string& text) {
-    const auto* at = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* at = reinterpret_cast<const unsigned char*>(text.c_str());
+    if (xmlCheckUTF8(at) == 0) {  // what reads a character takes one that begins in its middle
+        return false;
+    }
     for (std::size_t left = text.size(); left > 0;) {
         int length = static_cast<int>(std::min<std::size_t>(left, 4));
         const int character = xmlGetUTF8Char(at, &length);

@@ -168,7 +168,9 @@ void RegistryText::Remove(const KRegStatement& statement) {
 }
 
 void RegistryText::Append(const std::string& value) {
-    text += text.back() == '\n' ? "" : lineEnd;
+    if (text.back() != '\n') {
+        text += text.back() == '\r' ? "\n" : lineEnd;
+    }
     text += lineEnd + '[' + RootPath() + '\\' + address + ']' + lineEnd + value + lineEnd;
 }
 
