@@ -100,19 +100,19 @@ void RegistryText::SetKey(const std::string& accessKey) {
         text.insert(LineEnd(header->end), lineEnd + value);
     }
     // From the back, so that the places of what stands before hold.
-    for (auto statement = accessKeys.rbegin(); statement != accessKeys.rend(); ++statement) {
-        if (*statement == stored) {
-            Replace(**statement, Quoted(accessKey));
+    for (std::size_t i = accessKeys.size(); i-- > 0;) {
+        if (accessKeys[i] == stored) {
+            Replace(*stored, Quoted(accessKey));
         } else {
-            Remove(**statement);
+            Remove(*accessKeys[i]);
         }
     }
 }
 
 void RegistryText::RemoveArray() {
-    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        if (IsAtOrBelow(entry->key, arrayKey)) {
-            Remove(entry->statement);
+    for (std::size_t i = entries.size(); i-- > 0;) {
+        if (IsAtOrBelow(entries[i].key, arrayKey)) {
+            Remove(entries[i].statement);
         }
     }
 }

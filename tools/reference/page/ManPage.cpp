@@ -72,23 +72,32 @@ std::string Synopsis(const OptionInfo& option) {
     return WithValue(option.names.empty() ? "" : option.names.back(), option);
 }
 
-/// What has to be given; the rest is "OPTION".
+/// @return what has to be given of a group
+std::string Synopsis(const OptionGroup& group) {
+    std::string required;
+    std::string alternatives;
+    for (const OptionInfo& option : group.options) {
+        if (option.isRequired) {
+            required += " " + Synopsis(option);
+        } else if (group.isRequired) {
+            alternatives += (alternatives.empty() ? "" : " | ") + Synopsis(option);
+        }
+    }
+    if (!alternatives.empty()) {
+        required += " (" + alternatives + (group.isAlternative ? ")" : ")...");
+    }
+    return required;
+}
+
 std::string Synopsis(const CommandInfo& command) {
     std::string text = Bold(command.path);
     for (const OptionGroup& group : command.groups) {
-        std::string alternatives;
-        for (const OptionInfo& option : group.options) {
-            if (option.isRequired) {
-                text += " " + Synopsis(option);
-            } else if (group.isRequired) {
-                alternatives += (alternatives.empty() ? "" : " | ") + Synopsis(option);
-            }
-        }
-        text += alternatives.empty() ? "" : " (" + alternatives + (group.isAlternative ? ")" : ")...");
+        text += Synopsis(group);
     }
-    return Section("SYNOPSIS") + text +
-           (command.commands.empty() ? "" : " " + Italic("FAMILY") + " " + Italic("COMMAND")) + " [" +
-           Italic("OPTION") + "...]\n";
+    if (!command.commands.empty()) {
+        text += " " + Italic("FAMILY") + " " + Italic("COMMAND");
+    }
+    return Section("SYNOPSIS") + text + " [" + Italic("OPTION") + "...]\n";
 }
 
 std::string Sentence(const std::string& text) {
@@ -145,7 +154,7 @@ std::string Examples(const std::string& footer) {
 }
 
 std::string Begin(const CommandInfo& command, const CommandInfo& program, const std::string& version) {
-    return ".TH " + UpperCase(Escaped(PageName(command))) + " 1 \"\" \"" + program.name + " " + version +
+    return ".TH " + UpperCase(Escaped(PageName(command))) + R"( 1 "" ")" + program.name + " " + version +
            "\" \"User Commands\"\n" + Section("NAME") + Escaped(PageName(command)) + " \\- " +
            Escaped(LowerCaseBegin(Summary(command.description))) + "\n" + Synopsis(command);
 }

@@ -39,7 +39,7 @@ void KRegDocument::Apply(const KRegStatement& statement) {
             section->line = section->line == 0 ? statement.line : section->line;
             break;
         case KRegStatement::Kind::KeyRemoval:
-            section = nullptr;
+            section = &hives;  // the reader lets no value follow
             hives.Remove(statement.name);
             break;
         case KRegStatement::Kind::Value:

@@ -31,7 +31,7 @@ private:
     void Apply(const KRegStatement& statement);
 
     KRegNode hives;
-    KRegNode* section = nullptr;  // the key that the values which follow belong to
+    KRegNode* section = &hives;  // the key that the values which follow belong to
 };
 
 }  // namespace Korvel
