@@ -45,7 +45,7 @@ void Run(const Options& /*options*/, Report& report) {
         found.insert(finding.array);
     }
     for (const ConfiguredArray& array : configuration.arrays) {
-        if (found.count(array.address) == 0) {
+        if (!found.contains(array.address)) {
             report.AddRow({array.address, "in order", array.place});
         }
     }

@@ -54,36 +54,57 @@ std::vector<std::string> NamesOf(const std::vector<const CLI::Option*>& options)
     return names;
 }
 
+/// Reads an option.
+/// @param wantsValue receives whether the next word is the option's value
+/// @return what is wrong with it, or an empty text
+std::string TakeOption(const CLI::App* app, const std::string& word, bool& wantsValue) {
+    const std::string name = word.substr(0, word.find('='));
+    const auto options = OptionsOf(app);
+    const auto option = std::find_if(options.begin(), options.end(),
+                                     [&name](const CLI::Option* candidate) { return candidate->check_name(name); });
+    if (option == options.end()) {
+        return Sentence("option", name, NamesOf(options));
+    }
+    wantsValue = name == word && (*option)->get_expected_max() > 0;
+    return {};
+}
+
+/// Reads a word that is no option: a family, a command or an argument of one.
+/// @param app what was read so far; receives what the word leads to
+/// @return what is wrong with it, or an empty text
+std::string TakeCommand(const CLI::App*& app, const std::string& word) {
+    const auto commands = app->get_subcommands([](const CLI::App*) { return true; });
+    const auto names = NamesOf(commands);
+    if (names.empty()) {
+        return {};  // an argument
+    }
+    const auto next = std::find_if(commands.begin(), commands.end(),
+                                   [&word](const CLI::App* command) { return command->get_name() == word; });
+    if (next == commands.end()) {
+        return Sentence(app->get_parent() == nullptr ? "family of commands" : "command of this family", word, names);
+    }
+    app = *next;
+    return {};
+}
+
 }  // namespace
 
 std::string DescribeMisspelling(const CLI::App& program, const std::vector<std::string>& words) {
     const CLI::App* app = &program;
-    for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
-        const std::string& word = words[i];
-        if (word.size() > 1 && word.front() == '-') {
-            const std::string name = word.substr(0, word.find('='));
-            const auto options = OptionsOf(app);
-            const auto option = std::find_if(options.begin(), options.end(), [&name](const CLI::Option* candidate) {
-                return candidate->check_name(name);
-            });
-            if (option == options.end()) {
-                return Sentence("option", name, NamesOf(options));
-            }
-            i += name == word && (*option)->get_expected_max() > 0 ? 1 : 0;  // its value
+    bool isValue = false;
+    for (const std::string& word : words) {
+        if (isValue) {
+            isValue = false;
             continue;
         }
-        const auto commands = app->get_subcommands([](const CLI::App*) { return true; });
-        const auto names = NamesOf(commands);
-        if (names.empty()) {
-            continue;  // an argument of the command
+        if (word == "--") {
+            break;
         }
-        const auto next = std::find_if(commands.begin(), commands.end(),
-                                       [&word](const CLI::App* command) { return command->get_name() == word; });
-        if (next == commands.end()) {
-            return Sentence(app->get_parent() == nullptr ? "family of commands" : "command of this family", word,
-                            names);
+        const bool isOption = word.size() > 1 && word.front() == '-';
+        const std::string wrong = isOption ? TakeOption(app, word, isValue) : TakeCommand(app, word);
+        if (!wrong.empty()) {
+            return wrong;
         }
-        app = *next;
     }
     return {};
 }
