@@ -40,7 +40,7 @@ std::vector<std::string> GroupsToAsk(const Options& options, const std::vector<V
     }
     for (const Volume* first : FirstOfGroups(volumes)) {
         if ((options.group.empty() || first->group == options.group) &&
-            (options.volume.empty() || ofVolume.count(first->group) != 0)) {
+            (options.volume.empty() || ofVolume.contains(first->group))) {
             groups.push_back(first->group);
         }
     }

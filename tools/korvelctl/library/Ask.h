@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -36,6 +37,42 @@ struct Answering {
     void Put(Item item) { outbox.Put(progress, std::move(item)); }
 };
 
+/// What one array has answered.
+template <typename Item>
+struct Answer {
+    Outbox<Item> outbox;
+    std::optional<Failure> failure;  // set before the task is done, read after
+};
+
+/// @return the task of asking one array
+template <typename Item, typename Question>
+Crew::Task TaskOf(const SharedArray& array, const Purpose& purpose, const Question& ask,
+                  std::shared_ptr<Answer<Item>> answer) {
+    return {AddressOf(*array), [array, answer = std::move(answer), purpose, ask](Progress& progress) {
+                CollectXmlComplaints();
+                try {
+                    Answering<Item> answering{answer->outbox, progress};
+                    ask(*array, answering);
+                } catch (const Failure& failure) {
+                    answer->failure = failure;
+                } catch (const std::exception& error) {
+                    answer->failure = FailureOf(AddressOf(*array), purpose, error);
+                }
+            }};
+}
+
+/// Waits for the next part of an answer and takes it.
+/// @return how far the array is; while it runs there is more to take, unless nothing came
+template <typename Item, typename Take>
+std::pair<Crew::State, bool> TakePart(Crew& crew, std::size_t number, Answer<Item>& answer, const Take& take) {
+    const Crew::State state = crew.Wait(number, [&answer] { return answer.outbox.HasItems(); });
+    std::vector<Item> items = answer.outbox.TakeAll();
+    for (Item& item : items) {
+        take(std::move(item));
+    }
+    return {state, state != Crew::State::Done && !items.empty()};
+}
+
 /// Asks arrays at once and takes their answers in the order of the arrays, each part of an answer as soon as it is its
 /// turn. An array that fails, or that has not answered when there is no patience left, is a miss.
 /// @param ask runs on a thread of its own, perhaps longer than this call: it owns or shares what it uses.
@@ -44,44 +81,22 @@ struct Answering {
 /// @param miss takes the Failure of an array, after what it answered before
 template <typename Item, typename Question, typename Take, typename Miss>
 void AskAll(const std::vector<SharedArray>& arrays, const Purpose& purpose, const Question& ask, Take take, Miss miss) {
-    struct Answer {
-        Outbox<Item> outbox;
-        std::optional<Failure> failure;  // set before the task is done, read after
-    };
-    std::vector<std::shared_ptr<Answer>> answers;
+    std::vector<std::shared_ptr<Answer<Item>>> answers;
     std::vector<Crew::Task> tasks;
     for (const SharedArray& array : arrays) {
-        const auto& answer = answers.emplace_back(std::make_shared<Answer>());
-        tasks.push_back({AddressOf(*array), [array, answer, purpose, ask](Progress& progress) {
-                             CollectXmlComplaints();
-                             try {
-                                 Answering<Item> answering{answer->outbox, progress};
-                                 ask(*array, answering);
-                             } catch (const Failure& failure) {
-                                 answer->failure = failure;
-                             } catch (const std::exception& error) {
-                                 answer->failure = FailureOf(AddressOf(*array), purpose, error);
-                             }
-                         }});
+        tasks.push_back(TaskOf(array, purpose, ask, answers.emplace_back(std::make_shared<Answer<Item>>())));
     }
     Crew crew(std::move(tasks));
     for (std::size_t i = 0; i < arrays.size(); ++i) {
-        Answer& answer = *answers[i];
-        for (bool waiting = true; waiting;) {
-            const Crew::State state = crew.Wait(i, [&answer] { return answer.outbox.HasItems(); });
-            std::vector<Item> items = answer.outbox.TakeAll();
-            waiting = state != Crew::State::Done && !items.empty();
-            for (Item& item : items) {
-                take(arrays[i], std::move(item));
-            }
-            if (waiting) {
-                continue;
-            }
-            if (state != Crew::State::Done) {
-                miss(Unanswered(AddressOf(*arrays[i]), purpose, state == Crew::State::Running));
-            } else if (answer.failure) {
-                miss(*answer.failure);
-            }
+        const auto takeItem = [&](Item item) { take(arrays[i], std::move(item)); };
+        auto [state, isMore] = TakePart(crew, i, *answers[i], takeItem);
+        while (isMore) {
+            std::tie(state, isMore) = TakePart(crew, i, *answers[i], takeItem);
+        }
+        if (state != Crew::State::Done) {
+            miss(Unanswered(AddressOf(*arrays[i]), purpose, state == Crew::State::Running));
+        } else if (answers[i]->failure) {
+            miss(*answers[i]->failure);
         }
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -15,17 +16,19 @@ public:
     /// @param text what went wrong, without the program's name
     /// @param onArray the address of the array it went wrong on; empty when it was none
     Failure(ExitStatus exitStatus, const std::string& text, std::string onArray = {})
-        : std::runtime_error(text), status(exitStatus), array(std::move(onArray)) {}
+        : std::runtime_error(text),
+          status(exitStatus),
+          array(std::make_shared<const std::string>(std::move(onArray))) {}
 
     /// @return the exit status the program is to end with
     ExitStatus Status() const { return status; }
 
     /// @return the address of the array it went wrong on; empty when it was none
-    const std::string& Array() const { return array; }
+    const std::string& Array() const { return *array; }
 
 private:
     ExitStatus status;
-    std::string array;
+    std::shared_ptr<const std::string> array;  // a copy of what is thrown must not throw
 };
 
 }  // namespace Korvel::Ctl

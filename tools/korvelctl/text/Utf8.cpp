@@ -5,14 +5,14 @@ namespace {
 
 /// What the first byte of a sequence tells.
 struct Lead {
-    unsigned char mask;
-    unsigned char pattern;
     std::size_t size;
     char32_t smallest;  ///< what is smaller is written shorter
+    unsigned char mask;
+    unsigned char pattern;
 };
 
 constexpr Lead Leads[] = {
-    {0x80, 0x00, 1, 0x00}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
+    {1, 0x00, 0x80, 0x00}, {2, 0x80, 0xE0, 0xC0}, {3, 0x800, 0xF0, 0xE0}, {4, 0x10000, 0xF8, 0xF0}};
 
 bool IsCharacter(char32_t code) {
     return code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
