@@ -175,6 +175,27 @@ TEST_F(KorvelctlTest, TheRegistryFileKeepsItsEncodingItsPlaceAndItsSecrets) {
     EXPECT_EQ(std::distance(fs::directory_iterator(made), {}), 1) << "a temporary file stays";
 }
 
+// Whoever changes the file at the same time waits; whoever cannot write it leaves it as it was.
+TEST_F(KorvelctlTest, NoChangeOfTheRegistryFileIsLostAndNoneIsHalf) {
+    namespace fs = std::filesystem;
+    registry.Clear();
+    WriteFile(OwnFile("key"), "k");
+    const std::string add = KorvelctlCommand() + " config add --key-file " + OwnFile("key");
+    const auto shell = [](const std::string& script) {
+        return std::system(script.c_str());  // NOLINT(cert-env33-c): jobs and limits are the shell's
+    };
+    ASSERT_EQ(shell("for i in 1 2 3 4 5 6 7 8; do " + add + " 10.0.1.$i >" + OwnFile("out") + " & done; wait"), 0);
+    const Result all = Run("config check");
+    EXPECT_THAT(all, EndsWith(0, HasSubstr("in order")));
+    for (int i = 1; i <= 8; ++i) {
+        EXPECT_THAT(all.out, HasSubstr("10.0.1." + std::to_string(i) + "  in order"));
+    }
+    const std::string before = ReadFile(RegistryPath());
+    EXPECT_NE(shell("trap '' XFSZ; ulimit -f 0; " + add + " 10.0.0.9 >/dev/null 2>&1"), 0) << "as on a full disk";
+    EXPECT_EQ(ReadFile(RegistryPath()), before);
+    EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(RegistryPath()).parent_path()), {}), 1);
+}
+
 TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {
     const std::string key = "\"AccessKey\"=\"1\"\n";
     const std::pair<std::string, std::string> findings[] = {

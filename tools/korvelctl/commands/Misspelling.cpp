@@ -101,7 +101,7 @@ std::string DescribeMisspelling(const CLI::App& program, const std::vector<std::
             break;
         }
         const bool isOption = word.size() > 1 && word.front() == '-';
-        const std::string wrong = isOption ? TakeOption(app, word, isValue) : TakeCommand(app, word);
+        std::string wrong = isOption ? TakeOption(app, word, isValue) : TakeCommand(app, word);
         if (!wrong.empty()) {
             return wrong;
         }
