@@ -15,6 +15,7 @@ foreach(header model/KorvelAccessLibrary.h foundation/KException.h foundation/KE
     file(CONFIGURE OUTPUT include/korvel/${name} CONTENT "${text}" @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/include/korvel/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel)
 endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/src/KVersion.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel)
 # A folder of its own: who calls the library does not want the logging library's header on the path.
 install(FILES logger/Logger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvel-logger)
 

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <fstream>
 
+#include "KVersion.h"
 #include "page/ManPage.h"
 #include "tree/Description.h"
 

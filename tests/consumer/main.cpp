@@ -1,7 +1,10 @@
+#include <KVersion.h>
 #include <KorvelAccessLibrary.h>
 
 #include <iostream>
 #include <stdexcept>
+
+static_assert(KORVEL_VERSION_NUMBER >= 10000 && sizeof KORVEL_VERSION >= sizeof "1.0.0");
 
 /// Catches what the library throws, by type and across the library's border.
 int main() {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "KVersion.h"
 #include "outcome/ExitMeaning.h"
 
 namespace Korvel::Ctl {
@@ -40,7 +41,7 @@ std::string DescribeStatuses() {
 }
 
 void AddProgramOptions(CLI::App& program, CommandLine& line) {
-    program.set_version_flag("--version", "korvelctl " KORVELCTL_VERSION);
+    program.set_version_flag("--version", "korvelctl " KORVEL_VERSION);
     program.set_help_flag("--help,-h", "Show this help");
     program.add_flag("--json", line.asJson, "Write a JSON list instead of a table");
     program.add_option("--log", line.logFile, "Write the library's log records to a file instead of stderr")

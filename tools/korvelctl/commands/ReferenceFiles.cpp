@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "KVersion.h"
 #include "commands/Command.h"
 #include "commands/CommandLine.h"
 #include "commands/CommandTable.h"
@@ -52,7 +53,7 @@ void WriteCommandPages(Report& report, const std::filesystem::path& folder, cons
                        const Reference::CommandInfo& program) {
     for (const Reference::CommandInfo& command : family.commands) {
         if (command.commands.empty()) {
-            Write(report, folder / (PageName(command) + ".1"), CommandPage(command, program, KORVELCTL_VERSION));
+            Write(report, folder / (PageName(command) + ".1"), CommandPage(command, program, KORVEL_VERSION));
         }
         WriteCommandPages(report, folder, command, program);
     }
@@ -61,7 +62,7 @@ void WriteCommandPages(Report& report, const std::filesystem::path& folder, cons
 void Run(const Options& options, Report& report) {
     const Reference::CommandInfo program = Reference::Describe(*options.program);
     report.SetColumns({{"File", "file"}});
-    Write(report, options.folder / "man1" / (program.name + ".1"), ProgramPage(program, KORVELCTL_VERSION, Sections()));
+    Write(report, options.folder / "man1" / (program.name + ".1"), ProgramPage(program, KORVEL_VERSION, Sections()));
     WriteCommandPages(report, options.folder / "man1", program, program);
     for (const Shell& shell : Shells) {
         Write(report, options.folder / "share" / shell.path, shell.makeScript(Reference::MakeVocabulary(program)));
