@@ -440,12 +440,19 @@ private:
         }
     }
 
+    /// What goes round in a request for ever is met by its end's signal anywhere on its way.
+    static std::string PlaceOf(const Report& report) {
+        const bool inRequest = report.place.owner == Owner::LibCurl || report.place.owner == Owner::OpenSsl;
+        return report.verdict == Verdict::Hang && inRequest ? "libcurl.so.4 and libssl.so.3, a handshake without end"
+                                                            : report.place.name.data();
+    }
+
     void Note(const Call& call, const Slot& slot) {
         const Report& report = *slot.report;
         ++verdicts[call.name][report.verdict];
         if (report.verdict != Verdict::Unharmed && report.verdict != Verdict::Threw) {
-            const std::string what = std::string(" | ") + verdictNames[static_cast<int>(report.verdict)] + " | " +
-                                     report.place.name.data() + " |";
+            const std::string what =
+                std::string(" | ") + verdictNames[static_cast<int>(report.verdict)] + " | " + PlaceOf(report) + " |";
             if (++deviations[what] <= 3) {
                 std::cout << call.name << ", allocation " << slot.point.number
                           << (slot.point.all ? " and all behind it: " : ": ") << what << ' ' << report.text.data()
