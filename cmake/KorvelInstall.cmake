@@ -24,6 +24,7 @@ if(KORVEL_BUILD_TOOLS)
 endif()
 if(KORVEL_BUILD_SIMULATOR)
     install(TARGETS korvel-simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(PROGRAMS simulator/with-simulator DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
 set(KORVEL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KorvelAccessLibrary)

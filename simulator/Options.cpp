@@ -3,7 +3,10 @@
 #include <arpa/inet.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
 #include <fstream>
+#include <iterator>
 
 #include "KVersion.h"
 #include "page/ManPage.h"
@@ -24,10 +27,25 @@ const char* const examples = R"(Examples:
 
 The first line of standard output names the ports and keys, the lines after it are the registry entries. Ctrl-C ends it.)";
 
-std::string CheckLoopback(const std::string& text) {
+/// A range of addresses: its first bits.
+struct Network {
+    std::uint32_t prefix;
+    unsigned free;  ///< how many bits are free
+};
+
+constexpr Network loopback{127, 24};
+constexpr Network privateNetworks[] = {{10, 24}, {172U << 4U | 1U, 20}, {192U << 8U | 168U, 16}};
+
+bool IsIn(const std::string& text, const Network& network) {
     in_addr address = {};
-    const bool loopback = inet_pton(AF_INET, text.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24U) == 127;
-    return loopback ? "" : "only loopback addresses are served, 127.0.0.1 for example";
+    return inet_pton(AF_INET, text.c_str(), &address) == 1 && ntohl(address.s_addr) >> network.free == network.prefix;
+}
+
+std::string CheckAddress(const std::string& text) {
+    const bool served =
+        IsIn(text, loopback) || std::any_of(std::begin(privateNetworks), std::end(privateNetworks),
+                                            [&](const Network& network) { return IsIn(text, network); });
+    return served ? "" : "only loopback and private addresses are served, 127.0.0.1 for example";
 }
 
 std::string ManPage(const CLI::App& app) {
@@ -42,8 +60,9 @@ void Declare(CLI::App& app, Options& options) {
     const auto ports = CLI::Range(0, 65535);
     app.set_version_flag("--version", "korvel-simulator " KORVEL_VERSION);
     app.footer(examples);
-    app.add_option("--address", options.address, "loopback address to serve on")
-        ->check(CLI::Validator(CheckLoopback, "LOOPBACK"))
+    app.add_option("--address", options.address,
+                   "address to serve the arrays on: loopback, or a private one that other machines reach")
+        ->check(CLI::Validator(CheckAddress, "ADDRESS"))
         ->capture_default_str();
     app.add_option("--port", options.port, "port of the first array, the next ones follow; 0: any free ports")
         ->check(ports)
@@ -63,6 +82,10 @@ void Declare(CLI::App& app, Options& options) {
     number("--drives", options.fill.drives, 0, 100000, "drives of each array");
     number("--journal", options.journal, 1, 10000000, "requests the journal keeps");
     app.add_option("--reg-file", options.regFile, "write the registry entries to this file too");
+    app.add_option("--state", options.state,
+                   "start with what the arrays hold in this file: the form that --save-state writes")
+        ->check(CLI::ExistingFile);
+    app.add_option("--save-state", options.saveState, "write what the arrays hold to this file at the end");
     const auto writePage = [&app](const std::string& path) {
         if (!(std::ofstream(path) << ManPage(app)).flush()) {
             throw CLI::FileError(path + " cannot be written");
@@ -74,10 +97,17 @@ void Declare(CLI::App& app, Options& options) {
 
 }  // namespace
 
+bool Options::IsOpen() const {
+    return !IsIn(address, loopback);
+}
+
 std::optional<Options> Options::Parse(int argc, const char* const* argv, int& exitCode) {
     Options options;
-    CLI::App app("A storage array to develop and test against, on loopback only.", "korvel-simulator");
+    CLI::App app("A storage array to develop and test against.", "korvel-simulator");
     Declare(app, options);
+    app.failure_message([](const CLI::App* parser, const CLI::Error& error) {
+        return "korvel-simulator: " + CLI::FailureMessage::simple(parser, error);
+    });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -85,7 +115,7 @@ std::optional<Options> Options::Parse(int argc, const char* const* argv, int& ex
         return std::nullopt;
     }
     if (options.port != 0 && options.port + static_cast<int>(options.arrays) > 65536) {
-        std::cerr << "--port: there are not enough ports after " << options.port << "\n";
+        std::cerr << "korvel-simulator: --port: there are not enough ports after " << options.port << "\n";
         exitCode = wrongUsage;
         return std::nullopt;
     }

@@ -1,25 +1,51 @@
 #include "Simulator.h"
 
+#include <utility>
+#include <vector>
+
 #include "array/Inventory.h"
+#include "control/StateFile.h"
 #include "foundation/KLimits.h"
 
 namespace Korvel::Sim {
 
-Simulator::Simulator(const Options& options)
-    : fill(options.fill), certificate(options.address), journal(options.journal) {
+namespace {
+
+std::vector<Inventory> AtStart(const Options& options) {
+    if (!options.state.empty()) {
+        return StateFile::Read(options.state);
+    }
+    std::vector<Inventory> inventories;
     for (std::size_t i = 0; i < options.arrays; ++i) {
-        arrays.push_back(
-            std::make_unique<ArrayServer>(i, Inventory::Filled(fill, i), certificate.Context(), faults, journal));
+        inventories.push_back(Inventory::Filled(options.fill, i));
+    }
+    return inventories;
+}
+
+}  // namespace
+
+Simulator::Simulator(const Options& options)
+    : atStart(AtStart(options)), certificate(options.address), journal(options.journal) {
+    for (std::size_t i = 0; i < atStart.size(); ++i) {
+        arrays.push_back(std::make_unique<ArrayServer>(i, atStart[i], certificate.Context(), faults, journal));
         arrays.back()->Start(options.address, options.port == 0 ? 0 : options.port + static_cast<int>(i));
     }
 }
 
 void Simulator::Reset() {
     for (std::size_t i = 0; i < arrays.size(); ++i) {
-        arrays[i]->State().SetInventory(Inventory::Filled(fill, i));
+        arrays[i]->State().SetInventory(atStart[i]);
     }
     faults.Clear();
     journal.Clear();
+}
+
+std::vector<Inventory> Simulator::Held() const {
+    std::vector<Inventory> held;
+    for (const auto& array : arrays) {
+        held.push_back(array->State().Held());
+    }
+    return held;
 }
 
 std::string Simulator::RegistryText() const {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Options.h"
-#include "array/Fill.h"
+#include "array/Inventory.h"
 #include "control/Faults.h"
 #include "control/Journal.h"
 #include "wire/ArrayServer.h"
@@ -16,7 +16,8 @@ namespace Korvel::Sim {
 /// All arrays with the faults and the journal that they share.
 class Simulator {
 public:
-    /// Makes the arrays and begins to serve them. Throws std::runtime_error when a port is not free.
+    /// Makes the arrays and begins to serve them. Throws std::runtime_error when a port is not free or the file with
+    /// their state cannot be read.
     explicit Simulator(const Options& options);
 
     /// Returns the arrays, which this object owns.
@@ -31,11 +32,14 @@ public:
     /// Puts every array back to what it held at start and forgets faults and journal.
     void Reset();
 
+    /// Returns what every array holds.
+    std::vector<Inventory> Held() const;
+
     /// Returns the registry entries of the arrays, in the registry editor's export format.
     std::string RegistryText() const;
 
 private:
-    Fill fill;
+    std::vector<Inventory> atStart;
     Certificate certificate;
     Faults faults;
     Journal journal;

@@ -7,10 +7,13 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 #include "Options.h"
 #include "Simulator.h"
 #include "control/ControlServer.h"
+#include "control/StateFile.h"
 
 namespace {
 
@@ -43,19 +46,29 @@ void Announce(const Korvel::Sim::Simulator& simulator, const Korvel::Sim::Contro
         std::cout << " array=" << array->Address() << " key=" << array->Key();
     }
     std::cout << "\n" << simulator.RegistryText() << "; end of registry entries" << std::endl;
+    if (!std::cout) {
+        throw std::runtime_error("standard output cannot be written, and nobody knows the ports");
+    }
 }
 
 void Run(const Korvel::Sim::Options& options) {
     const sigset_t signals = BlockEndSignals();
     Korvel::Sim::Simulator simulator(options);
     Korvel::Sim::ControlServer control(simulator, [] { kill(getpid(), SIGTERM); });
-    control.Start(options.address, options.controlPort);
+    control.Start(options.IsOpen() ? "127.0.0.1" : options.address, options.controlPort);
+    if (options.IsOpen()) {
+        std::cerr << "korvel-simulator: warning: every machine that reaches " << options.address
+                  << " can try its keys on these arrays\n";
+    }
     if (!options.regFile.empty()) {
         WriteRegFile(options.regFile, simulator.RegistryText());
     }
     Announce(simulator, control);
     int signal = 0;
     sigwait(&signals, &signal);
+    if (!options.saveState.empty()) {
+        Korvel::Sim::StateFile::Write(options.saveState, simulator.Held());
+    }
 }
 
 }  // namespace

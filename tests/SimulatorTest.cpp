@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -29,11 +30,15 @@ class SimulatorTest : public SimulatedTest {
 protected:
     Reply Send(const std::string& method, const std::string& target, const std::string& body = "",
                std::size_t number = 0, bool follow = false) {
-        const std::string header = "X-Access-Key: " + key + simulator.Key(number);
+        return Ask("https://" + simulator.Address(number) + target, method,
+                   "X-Access-Key: " + key + simulator.Key(number), method == "POST" ? &body : nullptr, follow);
+    }
+
+    static Reply Ask(const std::string& url, const std::string& method, const std::string& header,
+                     const std::string* body = nullptr, bool follow = false) {
         const std::unique_ptr<curl_slist, void (*)(curl_slist*)> headers(curl_slist_append(nullptr, header.c_str()),
                                                                          curl_slist_free_all);
         const std::unique_ptr<CURL, void (*)(CURL*)> handle(curl_easy_init(), curl_easy_cleanup);
-        const std::string url = "https://" + simulator.Address(number) + target;
         Reply reply;
         curl_easy_setopt(handle.get(), CURLOPT_URL, url.c_str());
         curl_easy_setopt(handle.get(), CURLOPT_PATH_AS_IS, 1L);
@@ -44,9 +49,9 @@ protected:
         if (method != "GET") {
             curl_easy_setopt(handle.get(), CURLOPT_CUSTOMREQUEST, method.c_str());
         }
-        if (method == "POST") {
-            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
-            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDS, body.c_str());
+        if (body != nullptr) {
+            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDSIZE, static_cast<long>(body->size()));
+            curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDS, body->c_str());
         }
         curl_easy_setopt(handle.get(), CURLOPT_WRITEDATA, &reply.body);
         curl_easy_setopt(
@@ -115,6 +120,7 @@ TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
          "not allowed"},
         {"DELETE", "/api/snapshots/nix", "", "delete-snapshot", "nix does not exist"},
         {"DELETE", "/api/volumes/a/b%2f", "", "delete-volume", "Volume a/b%2f does not exist"},
+        {"DELETE", "/api/volumes/vol%c3%a9%", "", "delete-volume", "Volume vol\xc3\xa9% does not exist"},
         {"POST", "/api/consistency_groups/cg-00000001/clone", "snapshot=nix&name=n&timeout=30", "clone-cg", "nix"},
         {"POST", "/api/consistency_groups/nix/rollback", "snapname=s&timeout=30", "clone-cg", "nix"},
         {"POST", "/api/servers", "display_name=h&iqn=i&ipsec=no&force=no", "create-server", "iscsi is missing"},
@@ -251,6 +257,46 @@ TEST_F(SimulatorTest, RefusesFaultsThatMakeNoSense) {
     EXPECT_EQ(simulator.UnfiredFaults(), json::array());
     EXPECT_THAT(ErrorOf([&] { simulator.SetState(0, {{"nextNumber", -1}}); }), HasSubstr("nextNumber must be"));
     EXPECT_THAT(ErrorOf([&] { simulator.Put("/arrays/0/state", deep); }), HasSubstr("nested too deep"));
+}
+
+TEST_F(SimulatorTest, TheControlInterfaceAnswersThisMachineOnly) {
+    const std::string fault = "/faults/" + std::to_string(simulator.Arm({{"kind", "drop"}, {"path", "/nobody"}}));
+    const std::array<std::string, 5> cases[] = {
+        {"GET", "/health", "Accept: */*", "200", "ok"},
+        {"GET", "/version", "Origin: http://localhost:1", "200", "version"},
+        {"GET", "/version", "Host: array.example", "403", "Host and Origin"},
+        {"GET", "/version", "Host: 127.0.0.1.example:80", "403", "Host and Origin"},
+        {"GET", "/version", "Origin: https://page.example", "403", "Host and Origin"},
+        {"GET", "/version", "Origin: null", "403", "Host and Origin"},
+        {"GET", fault, "Accept: */*", "200", "/nobody"},
+        {"DELETE", fault, "Accept: */*", "200", "{}"},
+        {"DELETE", fault, "Accept: */*", "404", "there is no fault"},
+        {"GET", "/faults/x", "Accept: */*", "404", "nothing of this method and path"},
+    };
+    for (const auto& [method, path, header, status, part] : cases) {
+        const Reply reply =
+            Ask("http://" + std::string(std::getenv("KORVEL_SIMULATOR_CONTROL")) + path, method, header);
+        EXPECT_EQ(std::to_string(reply.status), status) << method << ' ' << path << ' ' << header;
+        EXPECT_THAT(reply.body, HasSubstr(part));
+    }
+    EXPECT_THAT(ErrorOf([&] {
+                    simulator.SetState(0, {{"volumes", 7}});
+                }),
+                HasSubstr("volumes must be of the type array"));
+}
+
+TEST_F(SimulatorTest, ClientsThatSayNothingKeepNobodyWaiting) {
+    std::vector<std::unique_ptr<CURL, void (*)(CURL*)>> silent;
+    for (int i = 0; i < 64; ++i) {
+        CURL* const handle = silent.emplace_back(curl_easy_init(), curl_easy_cleanup).get();
+        curl_easy_setopt(handle, CURLOPT_URL, ("http://" + simulator.Address()).c_str());
+        curl_easy_setopt(handle, CURLOPT_CONNECT_ONLY, 1L);
+        ASSERT_EQ(curl_easy_perform(handle), CURLE_OK);
+    }
+    EXPECT_EQ(Send("GET", "/api/drives").status, 200);
+    EXPECT_EQ(Ask("https://" + simulator.Address() + "/api/servers", "POST", "X-Access-Key: " + simulator.Key()).status,
+              400)
+        << "no body";
 }
 
 TEST_F(SimulatorTest, JournalHoldsWhatCameOverTheWire) {

@@ -27,7 +27,7 @@ template <typename Entry>
 void RequireKnownFields(const nlohmann::json& entries) {
     const nlohmann::json known(Entry{});
     for (const auto& entry : entries) {
-        JsonFields::RequireKnown(entry, known);
+        JsonFields::RequireLike(entry, known);
     }
 }
 
@@ -72,7 +72,7 @@ Inventory Inventory::Filled(const Fill& fill, std::size_t array) {
 }
 
 Inventory Inventory::FromJson(const nlohmann::json& value) {
-    JsonFields::RequireKnown(value, nlohmann::json(Inventory{}));
+    JsonFields::RequireLike(value, nlohmann::json(Inventory{}));
     JsonFields::Number(value, "nextNumber", 0);
     RequireKnownFields<Volume>(value.value("volumes", nlohmann::json::array()));
     for (const auto& group : value.value("snapshots", nlohmann::json::object())) {

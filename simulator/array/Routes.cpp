@@ -1,6 +1,8 @@
 #include "array/Routes.h"
 
+#include <charconv>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "array/Form.h"
@@ -51,6 +53,23 @@ const Route routes[] = {
      [](const Call& c) { return c.array.DetachVolume(c.name, Form(c.body)); }, nullptr},
 };
 
+/// libcurl percent-encodes bytes beyond ASCII in a path, and no others: they alone are decoded.
+std::string Decoded(const std::string& target) {
+    std::string decoded;
+    for (std::size_t at = 0; at < target.size(); ++at) {
+        unsigned code = 0;
+        const char* const digits = target.data() + at + 1;
+        if (target[at] == '%' && target.size() - at > 2 &&
+            std::from_chars(digits, digits + 2, code, 16).ptr == digits + 2 && code >= 0x80) {
+            decoded += static_cast<char>(code);
+            at += 2;
+        } else {
+            decoded += target[at];
+        }
+    }
+    return decoded;
+}
+
 std::optional<std::string> Match(std::string_view path, std::string_view target) {
     const std::size_t star = path.find('*');
     if (star == std::string_view::npos) {
@@ -84,8 +103,9 @@ Reply Run(const Route& route, const Call& call) {
 
 Reply Routes::Answer(ArrayState& array, const std::string& method, const std::string& target, const std::string& body) {
     bool known = false;
+    const std::string path = Decoded(target);
     for (const Route& route : routes) {
-        if (const auto name = Match(route.path, target)) {
+        if (const auto name = Match(route.path, path)) {
             known = true;
             if (route.method == method) {
                 return Run(route, {array, *name, body});

@@ -1,8 +1,13 @@
 #include "control/ControlServer.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 #include <charconv>
+#include <optional>
 #include <stdexcept>
 
+#include "KVersion.h"
 #include "array/ArrayState.h"
 #include "array/Inventory.h"
 #include "control/Fault.h"
@@ -28,6 +33,23 @@ void Guarded(httplib::Response& response, Run run) {
     }
 }
 
+/// Tells whether "host:port" is this machine by itself. A page in a browser can bring a name of its own to point here.
+bool IsLoopback(std::string host) {
+    host =
+        host.substr(0, host.rfind(':') > host.rfind(']') || host.rfind(']') == std::string::npos ? host.rfind(':')
+                                                                                                 : std::string::npos);
+    in_addr address = {};
+    return host == "localhost" || host == "[::1]" ||
+           (inet_pton(AF_INET, host.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24U) == 127);
+}
+
+bool ComesFromHere(const httplib::Request& request) {
+    const std::string origin = request.get_header_value("Origin");
+    const std::size_t host = origin.find("://");
+    return IsLoopback(request.get_header_value("Host")) &&
+           (origin.empty() || (host != std::string::npos && IsLoopback(origin.substr(host + 3))));
+}
+
 std::uint64_t Number(const std::string& text) {
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -41,8 +63,17 @@ std::uint64_t Number(const std::string& text) {
 
 ControlServer::ControlServer(Simulator& controlled, const std::function<void()>& shutDown)
     : LoopbackServer(nullptr), simulator(controlled) {
+    set_pre_routing_handler([](const httplib::Request& request, httplib::Response& response) {
+        if (ComesFromHere(request)) {
+            return HandlerResponse::Unhandled;
+        }
+        Answer(response, 403, {{"error", "Host and Origin have to be this machine's own"}});
+        return HandlerResponse::Handled;
+    });
     AddArrays();
     AddFaults();
+    Get("/health", Plain([](const auto&, const auto&) { return nlohmann::json{{"status", "ok"}}; }));
+    Get("/version", Plain([](const auto&, const auto&) { return nlohmann::json{{"version", KORVEL_VERSION}}; }));
     Get("/journal", Plain([this](const auto& request, const auto&) {
             return simulator.WireJournal().ToJson(request.has_param("from") ? Number(request.get_param_value("from"))
                                                                             : 0);
@@ -95,6 +126,13 @@ void ControlServer::AddFaults() {
              }
              return nlohmann::json{{"id", simulator.ArmedFaults().Arm(std::move(fault))}};
          }));
+    Get(R"(/faults/(\d+))", Plain([this](const auto& request, const auto&) {
+            return simulator.ArmedFaults().Find(Number(request.matches[1])).ToJson();
+        }));
+    Delete(R"(/faults/(\d+))", Plain([this](const auto& request, const auto&) {
+               simulator.ArmedFaults().Forget(Number(request.matches[1]));
+               return nlohmann::json::object();
+           }));
     Delete("/faults", Plain([this](const auto&, const auto&) {
                simulator.ArmedFaults().Clear();
                return nlohmann::json::object();
@@ -119,8 +157,12 @@ httplib::Server::Handler ControlServer::Plain(Action action) {
 httplib::Server::HandlerWithContentReader ControlServer::WithBody(Action action) {
     return [action = std::move(action)](const httplib::Request& request, httplib::Response& response,
                                         const httplib::ContentReader& reader) {
-        const std::string body = ReadBody(request, reader);
-        Guarded(response, [&] { return action(request, body.empty() ? nlohmann::json() : JsonFields::Parse(body)); });
+        const std::optional<std::string> body = ReadBody(request, reader);
+        if (!body) {
+            Answer(response, 413, {{"error", "the body is too long"}});
+            return;
+        }
+        Guarded(response, [&] { return action(request, body->empty() ? nlohmann::json() : JsonFields::Parse(*body)); });
     };
 }
 

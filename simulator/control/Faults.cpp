@@ -1,5 +1,8 @@
 #include "control/Faults.h"
 
+#include <algorithm>
+#include <stdexcept>
+
 namespace Korvel::Sim {
 
 std::uint64_t Faults::Arm(Fault fault) {
@@ -42,6 +45,24 @@ nlohmann::json Faults::ToJson() const {
         all.push_back(fault.ToJson());
     }
     return all;
+}
+
+std::size_t Faults::PlaceOf(std::uint64_t id) const {
+    const auto found = std::find_if(faults.begin(), faults.end(), [id](const Fault& fault) { return fault.id == id; });
+    if (found == faults.end()) {
+        throw std::out_of_range("there is no fault " + std::to_string(id));
+    }
+    return static_cast<std::size_t>(found - faults.begin());
+}
+
+Fault Faults::Find(std::uint64_t id) const {
+    const std::lock_guard lock(mutex);
+    return faults[PlaceOf(id)];
+}
+
+void Faults::Forget(std::uint64_t id) {
+    const std::lock_guard lock(mutex);
+    faults.erase(faults.begin() + static_cast<std::ptrdiff_t>(PlaceOf(id)));
 }
 
 void Faults::Clear() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <cstddef>
 #include "control/Fault.h"
 
 namespace Korvel::Sim {
@@ -26,10 +27,17 @@ public:
     /// Returns all faults as JSON, in the order in which they were armed.
     nlohmann::json ToJson() const;
 
+    /// Returns the fault with this number. Throws std::out_of_range when there is none.
+    Fault Find(std::uint64_t id) const;
+
+    /// Forgets the fault with this number. Throws std::out_of_range when there is none.
+    void Forget(std::uint64_t id);
+
     /// Forgets all faults.
     void Clear();
 
 private:
+    std::size_t PlaceOf(std::uint64_t id) const;
     template <typename Matches>
     std::optional<Fault> Take(const Matches& matches);
 

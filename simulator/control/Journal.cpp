@@ -1,9 +1,13 @@
 #include "control/Journal.h"
 
+#include <cstddef>
+
 #include "control/Bytes.h"
 
 namespace Korvel::Sim {
 namespace {
+
+constexpr std::size_t mostBytes = std::size_t{256} << 20U;
 
 nlohmann::json ToJson(const Request& request, std::uint64_t sequence) {
     nlohmann::json headers = nlohmann::json::array();
@@ -21,14 +25,24 @@ nlohmann::json ToJson(const Request& request, std::uint64_t sequence) {
             {"fault", request.fault == 0 ? nlohmann::json() : nlohmann::json(request.fault)}};
 }
 
+std::size_t SizeOf(const Request& request) {
+    std::size_t size = sizeof request + request.method.size() + request.target.size() + request.body.size();
+    for (const auto& [name, value] : request.headers) {
+        size += sizeof name + name.size() + sizeof value + value.size();
+    }
+    return size;
+}
+
 }  // namespace
 
 Journal::Journal(std::size_t capacity) : limit(capacity) {}
 
 void Journal::Add(Request request) {
     const std::lock_guard lock(mutex);
+    bytes += SizeOf(request);
     requests.push_back(std::move(request));
-    if (requests.size() > limit) {
+    while (requests.size() > limit || (bytes > mostBytes && requests.size() > 1)) {
+        bytes -= SizeOf(requests.front());
         requests.pop_front();
         ++forgotten;
     }
@@ -49,6 +63,7 @@ nlohmann::json Journal::ToJson(std::uint64_t from) const {
 void Journal::Clear() {
     const std::lock_guard lock(mutex);
     requests.clear();
+    bytes = 0;
     forgotten = 0;
 }
 

@@ -12,7 +12,7 @@ namespace Korvel::Sim {
 /// The requests of all arrays in the order in which they arrived. Safe to use from many threads.
 class Journal {
 public:
-    /// Keeps at most the last `capacity` requests.
+    /// Keeps at most the last `capacity` requests, and no more than 256 MiB of them: but always the last.
     explicit Journal(std::size_t capacity);
 
     /// Adds a request.
@@ -28,6 +28,7 @@ public:
 private:
     mutable std::mutex mutex;
     std::size_t limit;
+    std::size_t bytes = 0;  // of all requests that are kept
     std::uint64_t forgotten = 0;
     std::deque<Request> requests;
 };

@@ -26,6 +26,17 @@ void JsonFields::RequireKnown(const nlohmann::json& object, const nlohmann::json
     }
 }
 
+void JsonFields::RequireLike(const nlohmann::json& object, const nlohmann::json& example) {
+    RequireKnown(object, example);
+    for (const auto& field : object.items()) {
+        const std::string type = example[field.key()].type_name();
+        if (field.value().type_name() != type) {
+            throw std::invalid_argument(field.key() + " must be of the type " + type + ", not " +
+                                        field.value().type_name());
+        }
+    }
+}
+
 std::uint64_t JsonFields::Number(const nlohmann::json& object, const char* name, std::uint64_t otherwise,
                                  std::uint64_t least, std::uint64_t most) {
     const auto field = object.find(name);

@@ -17,6 +17,9 @@ public:
     /// left out.
     static void RequireKnown(const nlohmann::json& object, const nlohmann::json& known);
 
+    /// Refuses what is no object, and a field that `example` has not or has with another type.
+    static void RequireLike(const nlohmann::json& object, const nlohmann::json& example);
+
     /// Returns the whole number in the field `name` of `object`, or `otherwise` when there is no such field.
     static std::uint64_t Number(const nlohmann::json& object, const char* name, std::uint64_t otherwise,
                                 std::uint64_t least = 0,

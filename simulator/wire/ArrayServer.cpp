@@ -3,7 +3,9 @@
 #include <openssl/rand.h>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "array/Inventory.h"
 #include "array/Reply.h"
@@ -81,7 +83,12 @@ ArrayServer::ArrayServer(std::size_t arrayNumber, Inventory inventory, SSL_CTX* 
     // Bodies are read here and not by the library, which would refuse a form of more than 8 kB.
     const auto withBody = [this](const httplib::Request& request, httplib::Response& response,
                                  const httplib::ContentReader& reader) {
-        Serve(request, response, ReadBody(request, reader));
+        std::optional<std::string> body = ReadBody(request, reader);
+        if (!body) {
+            Send(response, Routes::Error(413, "The body is too long"));
+        } else {
+            Serve(request, response, std::move(*body));
+        }
     };
     const auto withoutBody = [this](const httplib::Request& request, httplib::Response& response) {
         Serve(request, response, {});
@@ -142,7 +149,9 @@ void ArrayServer::Serve(const httplib::Request& request, httplib::Response& resp
     noted.fault = fault ? fault->id : 0;
     stream.Note();
     journal.Add(noted);
-    if (!fault) {
+    if (!fault && noted.method == "POST" && !HasBody(request)) {
+        Send(response, Routes::Error(400, "A POST has a body"));
+    } else if (!fault) {
         Send(response, Execute(noted));
     } else if (Wait(std::chrono::milliseconds(fault->delay))) {
         AnswerFaulted(stream, response, noted, *fault);

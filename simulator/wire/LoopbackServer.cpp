@@ -4,12 +4,17 @@
 #include <unistd.h>
 
 #include <stdexcept>
+#include <utility>
+
+#include "wire/GrowingPool.h"
 
 namespace Korvel::Sim {
 namespace {
 
 constexpr std::chrono::seconds patience{60};  // a client may run under a debugger
+constexpr std::chrono::seconds silence{10};   // of a client that has asked for nothing yet
 constexpr std::chrono::seconds keepAlive{5};
+constexpr std::size_t longestBody = std::size_t{256} << 20U;  // more than the state of a large array
 constexpr std::size_t requestsPerConnection = 1000;
 
 }  // namespace
@@ -40,6 +45,7 @@ private:
 LoopbackServer::LoopbackServer(SSL_CTX* tls) : tlsContext(tls) {
     set_address_family(AF_INET);
     set_tcp_nodelay(true);
+    new_task_queue = [] { return new GrowingPool; };  // the HTTP library's to delete
     set_read_timeout(patience);
     set_write_timeout(patience);
     // The library's own default would let two processes share one port.
@@ -103,16 +109,25 @@ bool LoopbackServer::Wait(std::chrono::milliseconds duration) {
     return !stopped.wait_for(lock, duration, [this] { return stopping; });
 }
 
-std::string LoopbackServer::ReadBody(const httplib::Request& request, const httplib::ContentReader& reader) {
+bool LoopbackServer::HasBody(const httplib::Request& request) {
+    return request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
+}
+
+std::optional<std::string> LoopbackServer::ReadBody(const httplib::Request& request,
+                                                    const httplib::ContentReader& reader) {
     std::string body;
+    std::size_t length = 0;
     // Without a length the library would wait for the client to close the connection.
-    if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding")) {
+    if (HasBody(request)) {
         reader([&](const char* bytes, std::size_t count) {
-            body.append(bytes, count);
-            return true;
+            length += count;
+            if (length <= longestBody) {
+                body.append(bytes, count);
+            }
+            return true;  // to its end, so that a client who sends too much reads the answer
         });
     }
-    return body;
+    return length <= longestBody ? std::optional(std::move(body)) : std::nullopt;
 }
 
 bool LoopbackServer::BeforeHandshake(WireStream& /*stream*/) {
@@ -124,7 +139,8 @@ void LoopbackServer::AfterRequest(WireStream& /*stream*/) {}
 bool LoopbackServer::process_and_close_socket(socket_t sock) {
     const OpenSocket registered(*this, sock);
     WireStream stream(sock, tlsContext);
-    if (!IsStopping() && BeforeHandshake(stream) && stream.Handshake()) {
+    if (!IsStopping() && BeforeHandshake(stream) && stream.Handshake(silence)) {
+        stream.SetPatience(patience);
         Serve(stream);
     }
     return true;
@@ -133,7 +149,7 @@ bool LoopbackServer::process_and_close_socket(socket_t sock) {
 void LoopbackServer::Serve(WireStream& stream) {
     for (std::size_t left = requestsPerConnection; left > 0 && !IsStopping(); --left) {
         // Once it has been answered an idle client must not keep a thread from the others.
-        if (!stream.WaitForRequest(left == requestsPerConnection ? patience : keepAlive)) {
+        if (!stream.WaitForRequest(left == requestsPerConnection ? silence : keepAlive)) {
             return;
         }
         stream.BeginRequest();

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -36,8 +37,11 @@ protected:
     /// Waits for `duration`. Returns false when the server is stopped meanwhile.
     bool Wait(std::chrono::milliseconds duration);
 
-    /// Returns the body of `request`, read through `reader`.
-    static std::string ReadBody(const httplib::Request& request, const httplib::ContentReader& reader);
+    /// Tells whether `request` comes with a body, if only an empty one.
+    static bool HasBody(const httplib::Request& request);
+
+    /// Returns the body of `request`, read through `reader`; nothing when it is longer than anything makes sense.
+    static std::optional<std::string> ReadBody(const httplib::Request& request, const httplib::ContentReader& reader);
 
     /// Called when a client has connected, before the TLS handshake. Returns false when the connection is to end.
     virtual bool BeforeHandshake(WireStream& stream);

@@ -4,6 +4,7 @@
 #include <openssl/err.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 
 #include <algorithm>
 
@@ -43,9 +44,16 @@ WireStream& WireStream::Of(const httplib::Request& request) {
     return *static_cast<WireStream*>(SSL_get_app_data(request.ssl));
 }
 
-bool WireStream::Handshake() {
+bool WireStream::Handshake(std::chrono::seconds patience) {
+    SetPatience(patience);
     broken = session && SSL_accept(session.get()) != 1;
     return !broken;
+}
+
+void WireStream::SetPatience(std::chrono::seconds patience) const {
+    const timeval limit = {.tv_sec = patience.count(), .tv_usec = 0};
+    setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
 bool WireStream::WaitForRequest(std::chrono::seconds patience) const {

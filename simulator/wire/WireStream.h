@@ -22,8 +22,12 @@ public:
     /// Returns the stream that the TLS session of a request belongs to.
     static WireStream& Of(const httplib::Request& request);
 
-    /// Does the server's side of the TLS handshake; plain text needs none. Returns false when it fails.
-    bool Handshake();
+    /// Does the server's side of the TLS handshake; plain text needs none. Returns false when it fails, or when the
+    /// client is silent for longer than `patience`.
+    bool Handshake(std::chrono::seconds patience);
+
+    /// Lets reading and writing fail when the client does nothing for longer than `patience`.
+    void SetPatience(std::chrono::seconds patience) const;
 
     /// Waits until the next request begins or the connection ends. Returns false when neither happens in `patience`.
     bool WaitForRequest(std::chrono::seconds patience) const;
