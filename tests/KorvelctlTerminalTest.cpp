@@ -25,8 +25,9 @@ using testing::Not;
 /// A run of korvelctl on a terminal of its own.
 class Terminal {
 public:
-    explicit Terminal(const std::string& arguments) {
-        const std::string line = "exec " + KorvelctlCommand() + " " + arguments;
+    /// @param before words before the program
+    explicit Terminal(const std::string& arguments, const std::string& before = "") {
+        const std::string line = "exec " + before + KorvelctlCommand() + " " + arguments;
         process = forkpty(&terminal, nullptr, nullptr, nullptr);
         if (process == 0) {
             std::signal(SIGINT, SIG_DFL);  // ignored by what a script starts in the background
@@ -154,34 +155,57 @@ TEST_F(KorvelctlTest, AKeyIsNotShownAndAnInterruptionLeavesTheTerminalAsItWas) {
 
 TEST_F(KorvelctlTest, WhatIsWaitedForIsShownAndGoneAtTheEnd) {
     const std::string address = simulator.Address(1);
-    simulator.Arm(
-        {{"kind", "delay"}, {"delay", 3500}, {"array", 1}, {"glob", "/api/consistency_groups/*"}, {"skip", 1}});
-    Terminal terminal("volume find --snapshot nobody");
+    const std::string find = "volume find --snapshot nobody";
+    simulator.Arm({{"kind", "delay"},
+                   {"delay", 3500},
+                   {"array", 1},
+                   {"path", "/api/consistency_groups/cg-00000002/snapshots"},
+                   {"count", 2}});
+    Terminal terminal(find);
+    const Result piped = Run(find);  // waits as long
+    EXPECT_EQ(piped.status, 2);
+    EXPECT_THAT(piped.err, Not(HasSubstr("waiting")));
     terminal.ReadUntil("waiting for array " + address + ", 1 of 4 groups asked");
     EXPECT_EQ(terminal.End(), 2);
     const auto last = terminal.screen.rfind("groups asked");
     EXPECT_THAT(terminal.screen.substr(last), HasSubstr("\r    "));
-
-    simulator.Arm({{"kind", "delay"}, {"delay", 3500}, {"array", 1}});
-    const Result piped = Run("volume list");
-    EXPECT_EQ(piped.status, 0);
-    EXPECT_THAT(piped.err, IsEmpty());
 }
 
 TEST_F(KorvelctlTest, CtrlCTellsWhatMayHaveBeenDone) {
-    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}, {"method", "POST"}});
+    for (const std::string path : {"/api/snapshots/snapshots_set", "/api/servers"}) {
+        simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}, {"path", path}});
+    }
     Terminal change("snapshot create mail-1-0003");
+    Terminal look("server list --format json");
     change.ReadUntil("waiting for array " + simulator.Address());
     change.Type(CtrlC);
     EXPECT_EQ(change.End(), 75);
     EXPECT_THAT(change.screen, HasSubstr("may have been carried out"));
 
-    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}});
-    Terminal look("volume list");
     look.ReadUntil("waiting for array " + simulator.Address());
     look.Type(CtrlC);
     EXPECT_EQ(look.End(), 130);
-    EXPECT_THAT(look.screen, AllOf(HasSubstr("mail-2-0003"), HasSubstr("has not answered before the interruption")));
+    EXPECT_THAT(look.screen, AllOf(HasSubstr("srv-00000001"), HasSubstr("has not answered before the interruption"),
+                                   HasSubstr("\"kind\":\"interrupted\""), HasSubstr("], \"status\": 130}")));
+}
+
+TEST_F(KorvelctlTest, OnlyStatesHaveAColourAndOnlyWhereItIsWanted) {
+    const struct {
+        std::string environment;
+        bool coloured;
+    } cases[] = {
+        {"TERM=xterm NO_COLOR=", true}, {"TERM=xterm NO_COLOR=1", false}, {"TERM=dumb", false}, {"TERM=", false}};
+    for (const auto& [environment, coloured] : cases) {
+        Terminal terminal("config check", "env " + environment + " ");
+        EXPECT_EQ(terminal.End(), 0);
+        EXPECT_THAT(terminal.screen, HasSubstr(coloured ? "  \x1b[32min order\x1b[0m  " : "  in order  "))
+            << environment;
+    }
+    registry.SetText("99.0.0.9", "AccessKey", "");
+    Terminal faulty("config check", "env -u NO_COLOR TERM=xterm ");
+    EXPECT_EQ(faulty.End(), 1);
+    EXPECT_THAT(faulty.screen, HasSubstr("  \x1b[31mthe access key is empty\x1b[0m  "));
+    EXPECT_THAT(Run("config check").out, Not(HasSubstr("\x1b")));
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ need_packages() {
 
 # What a native build of the whole project needs on a bare Debian 12.
 native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-dev libssl-dev libcpp-httplib-dev
-    nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
+    nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev libvalijson-dev)
 
 # What checking it needs besides; llvm names the functions in what a sanitizer reports; pages and completion are tried by
 # what shows and runs them.

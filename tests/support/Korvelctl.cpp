@@ -1,16 +1,36 @@
 #include "support/Korvelctl.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <random>
 
 #if !defined(_WIN32)
 #include <sys/wait.h>
+
+#include "support/JsonSchema.h"
 #endif
 
 namespace Korvel::Testing {
+namespace {
+
+/// One object as the schema wants it, the exit status in it, and on stderr the text of every problem.
+void CheckObject(const Result& result) {
+    const auto object = nlohmann::json::parse(result.out, nullptr, false);
+    ASSERT_FALSE(object.is_discarded()) << result.out;
+#if !defined(_WIN32)
+    EXPECT_EQ(SchemaFaults(object, std::getenv("KORVELCTL_SCHEMA")), "") << result.out;
+#endif
+    EXPECT_EQ(object.at("status"), result.status);
+    EXPECT_EQ(object.at("problems").empty(), result.err.empty()) << result.err;
+    EXPECT_TRUE(std::all_of(result.out.begin(), result.out.end(), [](unsigned char byte) { return byte < 0x7f; }));
+}
+
+}  // namespace
 
 KorvelctlTest::KorvelctlTest() {
     folder = testing::TempDir() + "korvelctl-" + std::to_string(std::random_device{}()) + "/";
@@ -36,14 +56,36 @@ std::string KorvelctlTest::Filled(std::string arguments) const {
 
 Result KorvelctlTest::Run(const std::string& arguments, const std::string& input) {
     simulator.ClearJournal();
-    WriteFile(OwnFile("in"), input);
-    const std::string line = KorvelctlCommand() + " " + Filled(arguments) + " <" + OwnFile("in") + " >" +
-                             OwnFile("out") + " 2>" + OwnFile("err");
+    return Execute(arguments, input, "run");
+}
+
+std::vector<Result> KorvelctlTest::RunAtOnce(const std::vector<std::string>& arguments) {
+    simulator.ClearJournal();
+    std::vector<std::future<Result>> runs;
+    for (const std::string& line : arguments) {
+        runs.push_back(std::async(std::launch::async, [this, line, name = "run" + std::to_string(runs.size())] {
+            return Execute(line, "", name);
+        }));
+    }
+    std::vector<Result> results;
+    std::transform(runs.begin(), runs.end(), std::back_inserter(results), [](auto& run) { return run.get(); });
+    return results;
+}
+
+Result KorvelctlTest::Execute(const std::string& arguments, const std::string& input, const std::string& name) {
+    const std::string file = OwnFile(name);
+    WriteFile(file + ".in", input);
+    const std::string line =
+        KorvelctlCommand() + " " + Filled(arguments) + " <" + file + ".in >" + file + ".out 2>" + file + ".err";
     int status = std::system(line.c_str());  // NOLINT(cert-env33-c): the shell redirects on both systems
 #if !defined(_WIN32)
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
-    return {status, ReadFile(OwnFile("out")), ReadFile(OwnFile("err"))};
+    Result result{status, ReadFile(file + ".out"), ReadFile(file + ".err")};
+    if (arguments.find("--json") != std::string::npos) {
+        CheckObject(result);
+    }
+    return result;
 }
 
 std::string KorvelctlTest::Requests() {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <vector>
 
 #include "support/Simulator.h"
 #include "support/TestRegistry.h"
@@ -33,8 +34,12 @@ protected:
     /// Puts the arrays' addresses for {A} and {B}.
     std::string Filled(std::string arguments) const;
 
-    /// Runs a command through the system's own shell. The simulator's journal then holds its requests alone.
+    /// Runs a command through the system's own shell. The simulator's journal then holds its requests alone. What it
+    /// writes with --json has to be one object as the schema wants it, with the status the command ends with.
     Result Run(const std::string& arguments, const std::string& input = "");
+
+    /// Runs several commands at once, for those that wait.
+    std::vector<Result> RunAtOnce(const std::vector<std::string>& arguments);
 
     /// @return the requests of the last command: method and path, one line each
     std::string Requests();
@@ -58,6 +63,8 @@ protected:
     TestRegistry registry;
 
 private:
+    Result Execute(const std::string& arguments, const std::string& input, const std::string& name);
+
     std::string folder;
 };
 

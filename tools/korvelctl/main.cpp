@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <memory>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "commands/CommandLine.h"
@@ -14,22 +16,30 @@
 #include "library/Explanation.h"
 #include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
-#include "outcome/JsonWriter.h"
+#include "outcome/Format.h"
 #include "outcome/Problem.h"
 #include "outcome/Report.h"
-#include "outcome/RowWriter.h"
-#include "outcome/TableWriter.h"
 #include "terminal/LogFile.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
 namespace {
 
-std::unique_ptr<RowWriter> MakeWriter(const CommandLine& line) {
-    if (line.asJson) {
-        return std::make_unique<JsonWriter>(std::cout);
+/// @return the form that words ask for that were not read to their end: a script reads in it what is wrong with them
+std::string FormatAskedFor(const std::vector<std::string>& words) {
+    const std::string_view option = "--format=";
+    for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+        if (words[i] == "--json") {
+            return "json";
+        }
+        if (words[i].starts_with(option)) {
+            return words[i].substr(option.size());
+        }
+        if (words[i] == "--format" && i + 1 < words.size()) {
+            return words[i + 1];
+        }
     }
-    return std::make_unique<TableWriter>(std::cout);
+    return TextFormat;
 }
 
 /// Carries the command out; what ends it is one more problem of the report.
@@ -56,12 +66,35 @@ int Show(Report& report) {
     return report.Status();
 }
 
-int ShowDocument(const std::string& document) {
+/// Shows a text that is no table: in a form for scripts it is the one value of the one row.
+int ShowDocument(const std::string& document, const std::string& format) {
+    if (format != TextFormat) {
+        Report report(MakeWriter(format, std::cout));
+        report.SetColumns({{"Text", "text"}});
+        report.AddRow({document});
+        return Show(report);
+    }
     if (!(std::cout << document).flush()) {
         std::cerr << "korvelctl: the result could not be written\n";
         return ExitFailed;
     }
     return ExitDone;
+}
+
+/// What keeps a command line from being carried out: what is wrong with it, or that it asks for help.
+int AnswerParser(const CLI::App& program, const CLI::ParseError& error, const std::vector<std::string>& words) {
+    const std::string format = FormatAskedFor(words);
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        std::ostringstream help;
+        program.exit(error, help);
+        return ShowDocument(help.str(), format);
+    }
+    const std::string misspelling = DescribeMisspelling(program, words);
+    Report report(MakeWriter(format, std::cout));
+    report.AddProblem({misspelling.empty() ? error.what() : misspelling, ExitWrongUsage});
+    const int status = Show(report);
+    std::cerr << "'korvelctl --help' lists the commands.\n";
+    return status;
 }
 
 int Run(int argc, char** argv) {
@@ -71,18 +104,13 @@ int Run(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-            return program.exit(error);
-        }
-        const std::string misspelling = DescribeMisspelling(program, {argv + 1, argv + argc});
-        std::cerr << "korvelctl: " << Printable(misspelling.empty() ? error.what() : misspelling)
-                  << "\n'korvelctl --help' lists the commands.\n";
-        return ExitWrongUsage;
+        return AnswerParser(program, error, {argv + 1, argv + argc});
     }
-    if (!line.document.empty() && !line.asJson) {
-        return ShowDocument(line.document);
+    const std::string format = line.asJson ? "json" : line.format;
+    if (!line.document.empty() && format == TextFormat) {
+        return ShowDocument(line.document, format);
     }
-    Report report(MakeWriter(line));
+    Report report(MakeWriter(format, std::cout));
     Carry(line, report);
     return Show(report);
 }

@@ -58,7 +58,7 @@ void Run(const Options& options, Report& report) {
             options.address + " replied, but the reply holds no drive list: this does not seem to be an array",
             options.address);
     }
-    report.SetColumns({{"Array", "array"}, {"Access key", "accessKey"}});
+    report.SetColumns({{"Array", "array"}, {"Access key", "accessKey", "accepted"}});
     report.AddRow({options.address, "accepted"});
 }
 

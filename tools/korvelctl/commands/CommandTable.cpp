@@ -7,6 +7,7 @@
 
 #include "KVersion.h"
 #include "outcome/ExitMeaning.h"
+#include "outcome/Format.h"
 
 namespace Korvel::Ctl {
 namespace {
@@ -43,7 +44,11 @@ std::string DescribeStatuses() {
 void AddProgramOptions(CLI::App& program, CommandLine& line) {
     program.set_version_flag("--version", "korvelctl " KORVEL_VERSION);
     program.set_help_flag("--help,-h", "Show this help");
-    program.add_flag("--json", line.asJson, "Write a JSON list instead of a table");
+    CLI::Option* json = program.add_flag("--json", line.asJson, "Write one JSON object instead of a table");
+    program.add_option("--format", line.format, "Write text, json (as --json does) or tsv: lines with tabs")
+        ->check(CLI::IsMember(FormatNames()))
+        ->excludes(json)
+        ->type_name("FORMAT");
     program.add_option("--log", line.logFile, "Write the library's log records to a file instead of stderr")
         ->type_name("FILE");
     program

@@ -15,6 +15,8 @@ namespace {
 
 struct Options {};
 
+constexpr const char* InOrder = "in order";
+
 void AddFinding(Report& report, const Finding& finding) {
     report.AddRow({finding.array, finding.text, finding.place});
     const std::string subject = finding.array.empty() ? "" : "array " + finding.array + ": ";
@@ -34,7 +36,7 @@ std::vector<Finding> FindAll(const Configuration& configuration) {
 
 void Run(const Options& /*options*/, Report& report) {
     const Configuration configuration = ReadConfiguration();
-    report.SetColumns({{"Array", "array"}, {"Finding", "finding"}, {"Where", "place"}});
+    report.SetColumns({{"Array", "array"}, {"Finding", "finding", InOrder}, {"Where", "place"}});
     report.SetRowsAreFindings();
     for (const std::string& fault : configuration.faults) {
         report.AddProblem({fault});
@@ -46,7 +48,7 @@ void Run(const Options& /*options*/, Report& report) {
     }
     for (const ConfiguredArray& array : configuration.arrays) {
         if (!found.contains(array.address)) {
-            report.AddRow({array.address, "in order", array.place});
+            report.AddRow({array.address, InOrder, array.place});
         }
     }
     const std::string subject = "The configuration in " + configuration.source;

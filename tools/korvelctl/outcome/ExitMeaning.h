@@ -8,18 +8,19 @@ namespace Korvel::Ctl {
 struct ExitMeaning {
     ExitStatus status;
     const char* meaning;
+    const char* problemKind;  ///< what scripts read of a problem that ends the program so
 };
 
 /// In the order in which help and pages show them.
 inline constexpr ExitMeaning ExitMeanings[] = {
-    {ExitDone, "done"},
-    {ExitFailed, "failed: a message says why"},
-    {ExitNotFound, "not found: no array has what was asked for"},
-    {ExitPartial, "done in part: something is shown, and something failed"},
-    {ExitDeclined, "declined at the prompt; nothing was changed"},
-    {ExitWrongUsage, "wrong usage, or no telling what is meant; nothing was changed"},
-    {ExitOutcomeUnknown, "outcome unknown: a change was asked for and not answered"},
-    {ExitInterrupted, "interrupted with no change under way"},
+    {ExitDone, "done", "notice"},
+    {ExitFailed, "failed: a message says why", "failed"},
+    {ExitNotFound, "not found: no array has what was asked for", "not-found"},
+    {ExitPartial, "done in part: something is shown, and something failed", "partial"},
+    {ExitDeclined, "declined at the prompt; nothing was changed", "declined"},
+    {ExitWrongUsage, "wrong usage, or no telling what is meant; nothing was changed", "usage"},
+    {ExitOutcomeUnknown, "outcome unknown: a change was asked for and not answered", "outcome-unknown"},
+    {ExitInterrupted, "interrupted with no change under way", "interrupted"},
 };
 
 }  // namespace Korvel::Ctl

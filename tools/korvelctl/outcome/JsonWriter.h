@@ -10,10 +10,11 @@
 
 namespace Korvel::Ctl {
 
-/// A JSON list for scripts: one object for each row, its members named by the columns' keys.
+/// One JSON object for scripts, whatever happened: the rows as objects whose members the columns' keys name, the
+/// problems and the exit status. korvelctl.schema.json describes it.
 class JsonWriter : public RowWriter {
 public:
-    /// @param stream where the list goes; has to outlive the writer
+    /// @param stream where the object goes; has to outlive the writer
     explicit JsonWriter(std::ostream& stream) : output(stream) {}
 
     void Begin(const std::vector<Column>& columns, const std::string& sentence,
@@ -22,6 +23,9 @@ public:
     void End(const std::vector<Problem>& problems, ExitStatus status) override;
 
 private:
+    void Element(const std::string& element);
+    void EndList();
+
     std::ostream& output;
     std::vector<std::string> keys;
     bool first = true;

@@ -12,6 +12,7 @@ namespace Korvel::Ctl {
 struct Column {
     std::string heading;
     std::string key;
+    std::string goodState = {};  ///< in a column of states the one that is as it should be; empty in others
 };
 
 /// One form that a report can take on stdout. Rows come one at a time, so that a long list never stands in memory

@@ -1,10 +1,10 @@
 #include "outcome/TableWriter.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "outcome/ExitStatus.h"
 #include "outcome/Problem.h"
+#include "text/DisplayWidth.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
@@ -12,11 +12,9 @@ namespace {
 
 constexpr std::size_t Gap = 2;
 
-/// Counts characters and not bytes, so that columns stay straight for names beyond ASCII.
-std::size_t Width(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
-}
+const std::string Green = "\x1b[32m";
+const std::string Red = "\x1b[31m";
+const std::string Plain = "\x1b[0m";
 
 }  // namespace
 
@@ -31,28 +29,33 @@ void TableWriter::Begin(const std::vector<Column>& columns, const std::string& s
     std::vector<std::string> headings;
     for (const Column& column : columns) {
         headings.push_back(column.heading);
-        widths.push_back(Width(column.heading));
+        goodStates.push_back(column.goodState);
+        widths.push_back(DisplayWidth(column.heading));
     }
     for (const std::vector<std::string>& row : firstRows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], Width(Printable(row[i])));
+            widths[i] = std::max(widths[i], DisplayWidth(Printable(row[i])));
         }
     }
-    Row(headings);
+    Line(headings, false);
     std::vector<std::string> rules;
     for (const std::size_t width : widths) {
         rules.emplace_back(width, '-');
     }
-    Row(rules);
+    Line(rules, false);
 }
 
 void TableWriter::Row(const std::vector<std::string>& cells) {
+    Line(cells, inColour);
+}
+
+void TableWriter::Line(const std::vector<std::string>& cells, bool coloured) {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::string text = Printable(cells[i]);
-        line += text;
+        line += coloured && !goodStates[i].empty() ? (cells[i] == goodStates[i] ? Green : Red) + text + Plain : text;
         if (i + 1 != cells.size()) {
-            const std::size_t width = Width(text);
+            const std::size_t width = DisplayWidth(text);
             line.append((width < widths[i] ? widths[i] - width : 0) + Gap, ' ');
         }
     }

@@ -16,7 +16,8 @@ namespace Korvel::Ctl {
 class TableWriter : public RowWriter {
 public:
     /// @param stream where the table goes; has to outlive the writer
-    explicit TableWriter(std::ostream& stream) : output(stream) {}
+    /// @param colour whether states stand out: green when they are as they should be, red otherwise
+    TableWriter(std::ostream& stream, bool colour) : output(stream), inColour(colour) {}
 
     void Begin(const std::vector<Column>& columns, const std::string& sentence,
                const std::vector<std::vector<std::string>>& firstRows) override;
@@ -24,8 +25,12 @@ public:
     void End(const std::vector<Problem>& problems, ExitStatus status) override;
 
 private:
+    void Line(const std::vector<std::string>& cells, bool coloured);
+
     std::ostream& output;
+    bool inColour;
     std::vector<std::size_t> widths;
+    std::vector<std::string> goodStates;
 };
 
 }  // namespace Korvel::Ctl

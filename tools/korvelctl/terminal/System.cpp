@@ -100,6 +100,11 @@ bool IsConsole(DWORD standardHandle) {
 
 #endif
 
+std::string Environment(const char* name) {
+    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing changes the environment then
+    return value == nullptr ? "" : value;
+}
+
 }  // namespace
 
 bool InputIsTerminal() {
@@ -115,6 +120,20 @@ bool ErrorIsTerminal() {
     return IsConsole(STD_ERROR_HANDLE);
 #else
     return isatty(STDERR_FILENO) != 0;
+#endif
+}
+
+bool OutputTakesColour() {
+    if (!Environment("NO_COLOR").empty()) {
+        return false;
+    }
+#if defined(_WIN32)
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return GetConsoleMode(output, &mode) != 0 && SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+#else
+    const std::string terminal = Environment("TERM");
+    return isatty(STDOUT_FILENO) == 1 && !terminal.empty() && terminal != "dumb";
 #endif
 }
 

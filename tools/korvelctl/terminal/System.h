@@ -13,6 +13,10 @@ bool InputIsTerminal();
 /// @return whether standard error is a terminal
 bool ErrorIsTerminal();
 
+/// @return whether standard output is a terminal that shows colours, and the environment's NO_COLOR does not refuse
+/// them
+bool OutputTakesColour();
+
 /// @return how many characters a line of standard error's terminal takes
 std::size_t ErrorWidth();
 
