@@ -55,7 +55,7 @@ native_packages=(g++ cmake ninja-build pkg-config libcurl4-openssl-dev libxml2-d
 
 # What checking it needs besides; llvm names the functions in what a sanitizer reports; pages and completion are tried by
 # what shows and runs them.
-check_packages=(clang clang-format clang-tidy libclang-rt-14-dev llvm ccache shellcheck groff-base zsh fish)
+check_packages=(clang clang-format clang-tidy libclang-rt-14-dev llvm ccache shellcheck doxygen groff-base zsh fish)
 
 # Keeps compiled objects between runs, wherever the tree lies. Wants the package ccache.
 use_compiler_cache() {

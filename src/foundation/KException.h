@@ -22,6 +22,7 @@ public:
     explicit KException(const char* text);
     /// Copies the message.
     KException(const KException& other);
+    /// Copies the message.
     KException& operator=(const KException& other);
     ~KException() override;
 

@@ -56,7 +56,9 @@ class KORVEL_API KAccessLayer {
 public:
     /// Makes a layer without arrays.
     KAccessLayer();
+    /// Shares all that the other owns.
     KAccessLayer(const KAccessLayer& other);
+    /// Shares all that the other owns; what was owned before is forgotten, not freed.
     KAccessLayer& operator=(const KAccessLayer& other);
 
     /// Destroys every array of the layer with all they own.
@@ -114,7 +116,9 @@ public:
     /// @param key the array's access key
     /// @throws std::invalid_argument when either is empty
     KArray(const std::string& address, const std::string& key);
+    /// Shares all that the other owns.
     KArray(const KArray& other);
+    /// Shares all that the other owns; what was owned before is forgotten, not freed.
     KArray& operator=(const KArray& other);
 
     /// Destroys the connection, the servers and the volumes.
@@ -157,11 +161,13 @@ public:
 
     /// Finds the known volume that has a known snapshot; otherwise as GetVolumeByID.
     /// @param snapID the snapshot's identifier (its name on the array)
+    /// @param volume as there
     int GetVolumeBySnapID(const std::string& snapID, KVolume*& volume);
 
     /// Finds the volume on the array whose consistency group has a snapshot, and records that snapshot for it;
     /// otherwise as GetVolumeByIDFromArray. Asks for the snapshots of one volume's group after the other.
     /// @param snapID the snapshot's identifier (its name on the array)
+    /// @param volume as there
     /// @throws std::invalid_argument also when a volume listed before the match has no group
     int GetVolumeBySnapIDFromArray(const std::string& snapID, KVolume*& volume);
 
@@ -253,7 +259,9 @@ public:
     /// @param group the identifier of the volume's consistency group
     /// @throws std::invalid_argument when one of them is empty
     KVolume(const std::string& id, const std::string& name, const std::string& dispName, const std::string& group);
+    /// Shares all that the other owns.
     KVolume(const KVolume& other);
+    /// Shares all that the other owns; what was owned before is forgotten, not freed.
     KVolume& operator=(const KVolume& other);
 
     /// Destroys the volume's snapshot objects; the array keeps its snapshots.
