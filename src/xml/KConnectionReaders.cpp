@@ -139,7 +139,8 @@ int KConnection::ParseVolumeList(const std::string& reply, std::list<KVolumeReco
     LogTrace("Entering KConnection::ParseVolumeList");
     return ReadReply(reply, volumeList, [&](const KReplyDocument& document) -> int {
         for (const xmlNode* node : document.Nodes()) {
-            KVolumeRecord record;
+            std::list<KVolumeRecord> next(1);
+            KVolumeRecord& record = next.front();
             const KField fields[] = {{"product-id", &record.productID, true},
                                      {"ieee-id", &record.ieeeID},
                                      {"name", &record.name},
@@ -147,7 +148,7 @@ int KConnection::ParseVolumeList(const std::string& reply, std::list<KVolumeReco
                                      {"cg-name", &record.cgName}};
             ReadFields(document, node, fields);
             record.productID = record.productID.substr(0, record.productID.find('-'));
-            volumeRecords->push_back(std::move(record));
+            volumeRecords->splice(volumeRecords->end(), next);  // whole, or not at all
         }
         return KStatusSuccess;
     });

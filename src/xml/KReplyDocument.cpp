@@ -3,6 +3,7 @@
 #include <libxml/parser.h>
 #include <libxml/xmlerror.h>
 
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -92,7 +93,7 @@ void KReplyDocument::LeaveBehind() noexcept {
 }
 
 bool IsNamed(const xmlNode* node, const char* name) {
-    return xmlStrcmp(node->name, XmlText(name)) == 0;
+    return node->name != nullptr && std::strcmp(reinterpret_cast<const char*>(node->name), name) == 0;
 }
 
 void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<const KField> fields) {
