@@ -88,7 +88,7 @@ int KArray::GetVolumeByDispName(const std::string& volDispName, KVolume*& volume
     LogTrace("Entering KArray::GetVolumeByDispName() with input param volDispName: %s", volDispName);
     RequireArgument(!volDispName.empty(), "KArray::GetVolumeByDispName - Invalid input parameter");
     const int status = FindKnownVolume(volumeList, volume,
-                                       [&](KVolume& known) { return UpToZero(*known.volumeDispName) == volDispName; });
+                                       [&](KVolume& known) { return IsUpToZero(*known.volumeDispName, volDispName); });
     LogTrace("Exiting KArray::GetVolumeByDispName() with return code %d", status);
     return status;
 }
@@ -96,8 +96,9 @@ int KArray::GetVolumeByDispName(const std::string& volDispName, KVolume*& volume
 int KArray::GetVolumeBySnapID(const std::string& snapID, KVolume*& volume) {
     LogTrace("Entering KArray::GetVolumeBySnapID() with input param snapID: %s", snapID);
     RequireArgument(!snapID.empty(), "KArray::GetVolumeBySnapID - Invalid input parameter");
-    const int status = FindKnownVolume(volumeList, volume,
-                                       [&](KVolume& known) { return known.IsSnapAvailable(snapID) == KStatusSuccess; });
+    const int status = FindKnownVolume(volumeList, volume, [&](const KVolume& known) {
+        return FindSnapshot(known.snapshotList, snapID) != known.snapshotList.end();
+    });
     LogTrace("Exiting KArray::GetVolumeBySnapID() with return code %d", status);
     return status;
 }

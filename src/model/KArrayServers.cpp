@@ -15,7 +15,7 @@ int KArray::GetServerIDByIQN(const std::string& hostIQN, std::string& serverID) 
     RequireArgument(!hostIQN.empty(), "KArray::GetServerIDByIQN - Invalid input parameter");
     int status = KStatusNotFound;
     for (const KServer* server : serverList) {
-        if (server != nullptr && UpToZero(*server->hostIQN) == hostIQN) {
+        if (server != nullptr && IsUpToZero(*server->hostIQN, hostIQN)) {
             serverID = UpToZero(*server->serverID);
             status = KStatusSuccess;  // Kept: last-server-wins. The walk goes on.
         }

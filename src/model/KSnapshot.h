@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <list>
 #include <string>
 
 namespace Korvel {
@@ -19,5 +21,13 @@ public:
     std::string* snapshotID;  ///< owned
     KVolume* volume;          ///< the volume whose list holds the snapshot; not owned, null until it is set
 };
+
+/// @return where the first snapshot with this identifier is recorded, or the list's end
+inline std::list<KSnapshot*>::const_iterator FindSnapshot(const std::list<KSnapshot*>& snapshots,
+                                                          const std::string& snapID) {
+    return std::find_if(snapshots.begin(), snapshots.end(), [&](const KSnapshot* snapshot) {
+        return snapshot != nullptr && *snapshot->snapshotID == snapID;
+    });
+}
 
 }  // namespace Korvel

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -12,16 +11,6 @@
 #include "rest/KConnection.h"
 
 namespace Korvel {
-
-namespace {
-
-std::list<KSnapshot*>::const_iterator FindSnapshot(const std::list<KSnapshot*>& snapshots, const std::string& snapID) {
-    return std::find_if(snapshots.begin(), snapshots.end(), [&](const KSnapshot* snapshot) {
-        return snapshot != nullptr && *snapshot->snapshotID == snapID;
-    });
-}
-
-}  // namespace
 
 KVolume::KVolume(const std::string& id, const std::string& name, const std::string& dispName,
                  const std::string& group) {

@@ -122,7 +122,7 @@ int KConnection::ParseVolumeXMLByName(const std::string& reply, const std::strin
                                  {"display-name", &working.displayName},
                                  {"cg-name", &working.cgName}};
         for (const xmlNode* node : document.Nodes()) {
-            ReadFields(document, node, fields);
+            document.ReadFields(node, fields);
             if (volDispName == working.displayName) {
                 volID.swap(working.ieeeID);
                 volName.swap(working.name);
@@ -146,7 +146,7 @@ int KConnection::ParseVolumeList(const std::string& reply, std::list<KVolumeReco
                                      {"name", &record.name},
                                      {"display-name", &record.displayName},
                                      {"cg-name", &record.cgName}};
-            ReadFields(document, node, fields);
+            document.ReadFields(node, fields);
             record.productID = record.productID.substr(0, record.productID.find('-'));
             volumeRecords->splice(volumeRecords->end(), next);  // whole, or not at all
         }
@@ -163,7 +163,7 @@ int KConnection::ParseServerXMLByIQN(const std::string& reply, const std::string
         std::string address;
         const KField fields[] = {{"name", &name}, {"iqn", &iqn}, {"iscsi-ip", &address}};
         for (const xmlNode* node : document.Nodes()) {
-            ReadFields(document, node, fields);
+            document.ReadFields(node, fields);
             iscsiIP = address;  // Kept: address-of-the-last-server. Also when nothing matches.
             if (hostIQN == iqn) {
                 serverID.swap(name);
@@ -201,7 +201,7 @@ int KConnection::ParseSnapshotList(const std::string& reply, std::list<KSnapshot
         for (const xmlNode* node : document.Nodes()) {
             KSnapshotRecord record;
             const KField fields[] = {{"name", &record.name}, {"display-name", &record.displayName}};
-            ReadFields(document, node, fields);
+            document.ReadFields(node, fields);
             snapshotRecords->push_back(std::move(record));
         }
         return KStatusSuccess;

@@ -69,15 +69,19 @@ std::span<const xmlNodePtr> KReplyDocument::Nodes() const {
     return {nodes->nodeTab, static_cast<std::size_t>(nodes->nodeNr)};
 }
 
-void KReplyDocument::ReadText(const xmlNode* element, std::string& text) const {
+void KReplyDocument::CopyText(const xmlNode* element, std::string& text) const {
     if (element->children == nullptr) {
         return;
     }
     const std::unique_ptr<xmlChar, XmlTextDeleter> content(xmlNodeListGetString(document.get(), element->children, 1));
-    RequireMemory(xmlGetLastError());
     if (content) {
         text = reinterpret_cast<const char*>(content.get());
     }
+}
+
+void KReplyDocument::ReadText(const xmlNode* element, std::string& text) const {
+    CopyText(element, text);
+    RequireMemory(xmlGetLastError());
 }
 
 KReplyDocument::~KReplyDocument() {
@@ -96,7 +100,7 @@ bool IsNamed(const xmlNode* node, const char* name) {
     return node->name != nullptr && std::strcmp(reinterpret_cast<const char*>(node->name), name) == 0;
 }
 
-void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<const KField> fields) {
+void KReplyDocument::ReadFields(const xmlNode* node, std::span<const KField> fields) const {
     std::size_t recognised = 0;
     for (const xmlNode* child = node->children; child != nullptr && recognised < fields.size(); child = child->next) {
         for (const KField& field : fields) {
@@ -106,11 +110,12 @@ void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<c
             if (field.clearedByEmpty) {
                 field.text->clear();
             }
-            document.ReadText(child, *field.text);
+            CopyText(child, *field.text);
             ++recognised;
             break;  // a node has one name
         }
     }
+    RequireMemory(xmlGetLastError());  // it remembers, so once for all texts is enough
 }
 
 }  // namespace Korvel

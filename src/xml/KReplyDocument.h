@@ -11,6 +11,13 @@
 
 namespace Korvel {
 
+/// One element that a reader looks for among the children of a record's node.
+struct KField {
+    const char* element;
+    std::string* text;            ///< receives the element's text
+    bool clearedByEmpty = false;  ///< an element without text empties the field instead of leaving it as it was
+};
+
 /// An XML reply that was read, and the nodes that one XPath expression selects in it.
 ///
 /// Its end frees all, save when an exception ends it: then document and result stay behind.
@@ -33,9 +40,17 @@ public:
 
     /// Reads the text of an element.
     /// @param text receives it; unchanged when the element holds none
+    /// @throws std::bad_alloc when libxml2 had no memory to read it whole
     void ReadText(const xmlNode* element, std::string& text) const;
 
+    /// Reads the fields of one record from the children of its node. Stops when as many children were recognised as
+    /// there are fields, so an element that stands twice can keep a later field from being read. Kept:
+    /// counted-children.
+    /// @throws std::bad_alloc when libxml2 had no memory to read them whole; some fields may then be cut
+    void ReadFields(const xmlNode* node, std::span<const KField> fields) const;
+
 private:
+    void CopyText(const xmlNode* element, std::string& text) const;
     void Evaluate(const char* expression);
     void LeaveBehind() noexcept;
 
@@ -54,18 +69,7 @@ private:
     std::unique_ptr<xmlXPathContext, Deleter<xmlXPathFreeContext>> context;
 };
 
-/// One element that a reader looks for among the children of a record's node.
-struct KField {
-    const char* element;
-    std::string* text;            ///< receives the element's text
-    bool clearedByEmpty = false;  ///< an element without text empties the field instead of leaving it as it was
-};
-
 /// Tells whether a node has exactly this name, whatever its prefix.
 bool IsNamed(const xmlNode* node, const char* name);
-
-/// Reads the fields of one record from the children of its node. Stops when as many children were recognised as there
-/// are fields, so an element that stands twice can keep a later field from being read. Kept: counted-children.
-void ReadFields(const KReplyDocument& document, const xmlNode* node, std::span<const KField> fields);
 
 }  // namespace Korvel

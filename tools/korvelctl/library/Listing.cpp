@@ -70,7 +70,7 @@ std::vector<Server> ListServers(KArray& array) {
     for (const xmlNode* node : document.Nodes()) {
         Server& server = servers.emplace_back();
         const KField fields[] = {{"name", &server.id}, {"iqn", &server.iqn}, {"iscsi-ip", &server.address}};
-        ReadFields(document, node, fields);
+        document.ReadFields(node, fields);
     }
     return servers;
 }
