@@ -228,7 +228,7 @@ void CycleLibrary(benchmark::State& state) {
     }
 }
 
-BENCHMARK(CycleLibrary)->UseRealTime()->MinTime(1.1);
+BENCHMARK(CycleLibrary)->UseRealTime();
 
 }  // namespace
 }  // namespace Bench
