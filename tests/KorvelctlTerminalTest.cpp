@@ -96,11 +96,12 @@ const std::string Prompt = "Type yes to go on: ";
 
 TEST_F(KorvelctlTest, OnlyTheWordYesAgrees) {
     for (const std::string answer : {"no\n", "y\n", "YES\n", "yes please\n", "\n", EndOfInput.c_str()}) {
-        Terminal terminal(Delete);
+        Terminal terminal(Delete + " --json");
         terminal.ReadUntil(Prompt);
         terminal.Type(answer);
         EXPECT_EQ(terminal.End(), 4) << answer;
-        EXPECT_THAT(terminal.screen, AllOf(HasSubstr("with all its data."), HasSubstr("nothing was changed")));
+        EXPECT_THAT(terminal.screen, AllOf(HasSubstr("with all its data."), HasSubstr("nothing was changed"),
+                                           HasSubstr("\"kind\":\"declined\"")));
         EXPECT_THAT(Changes(), IsEmpty());
     }
     Terminal terminal(Delete);

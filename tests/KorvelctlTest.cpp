@@ -309,13 +309,16 @@ TEST_F(KorvelctlTest, ScriptsReadEveryValueAsOneValue) {
     EXPECT_THAT(Run("array list --format=json --log-level 9"), EndsWith(64, HasSubstr("--log-level")));
     EXPECT_THAT(Run("array list --json --format tsv"), EndsWith(64, HasSubstr("--format")));
     EXPECT_THAT(Run("array list --format xml"), EndsWith(64, HasSubstr("tsv")));
-
-    // A name that is not UTF-8: the array's address here, as the shell hands it over.
-    const auto object = nlohmann::json::parse(Run("volume list --array b\xff --json").out);
-    EXPECT_THAT(object["problems"][0], nlohmann::json({{"array", "b\xef\xbf\xbd"},
-                                                       {"text", "no array b\xef\xbf\xbd is configured"},
-                                                       {"kind", "not-found"}}));
 }
+
+#if !defined(_WIN32)
+TEST_F(KorvelctlTest, NamesThatAreNoUtf8BreakNoObject) {
+    const auto object = nlohmann::json::parse(Run("volume list --array b\xff --json").out);
+    EXPECT_EQ(object["problems"][0], nlohmann::json({{"array", "b\xef\xbf\xbd"},
+                                                     {"text", "no array b\xef\xbf\xbd is configured"},
+                                                     {"kind", "not-found"}}));
+}
+#endif
 
 TEST_F(KorvelctlTest, ColumnsAreStraightWhateverAScriptTheirNamesAreIn) {
     const std::pair<std::string, std::size_t> names[] = {

@@ -20,12 +20,13 @@ bool IsIn(const CharacterRange (&table)[Count], char32_t code) {
 }  // namespace
 
 std::size_t DisplayWidth(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; })) {
+        return text.size();  // as nearly every text of a long list
+    }
     std::size_t width = 0;
     while (!text.empty()) {
         const Utf8Character next = FirstCharacter(text);
-        if (next.code < WideCharacters[0].first && next.code < CharactersWithoutWidth[0].first) {
-            ++width;
-        } else if (!IsIn(CharactersWithoutWidth, next.code)) {
+        if (!IsIn(CharactersWithoutWidth, next.code)) {
             width += IsIn(WideCharacters, next.code) ? 2 : 1;
         }
         text.remove_prefix(next.size);
