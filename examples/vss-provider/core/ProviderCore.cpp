@@ -6,7 +6,6 @@
 #include <ctime>
 #include <future>
 #include <list>
-#include <ranges>
 #include <thread>
 #include <utility>
 
@@ -564,9 +563,8 @@ void ProviderCore::UndoUnfinished(bool forced) {
 
 void ProviderCore::Undo(const std::string& setId) {
     const auto set = sets.find(setId);
-    for (const SnapshotItem& item : std::ranges::reverse_view(set->second.items)) {
-        Remove(item);
-    }
+    const auto& items = set->second.items;
+    std::for_each(items.rbegin(), items.rend(), [this](const SnapshotItem& item) { Remove(item); });
     sets.erase(set);
 }
 
