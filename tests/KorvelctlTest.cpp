@@ -75,6 +75,7 @@ TEST_F(KorvelctlTest, EveryOutcomeHasItsStatusItsTextAndItsRequests) {
         {"snapshot list --volume nobody", 2, "'nobody'"},
         {"volume find --name mail-2-0003", 0, simulator.Address(1) + "  mail-2-0003   vol-00000003"},
         {"volume find --id 6001f3a0000200000000000000000001", 0, "sql-data-2-0001"},
+        {"volume find --id 6001f3a00002000000000000000000ff", 2, "0000ff'\n"},
         {"volume find --id 6001F3A0000200000000000000000001", 2, "try small letters"},
         {"volume find --name nobody", 2, "no volume with the display name 'nobody'"},
         {"volume find --name mail-2-0003 --array {A}", 2, "'mail-2-0003'"},
@@ -192,12 +193,14 @@ TEST_F(KorvelctlTest, AChangeWithoutAnAnswerIsAnUnknownOutcome) {
     const nlohmann::json garbled = {{"kind", "body"}, {"body", "<open>"}};
     const nlohmann::json silent = {{"kind", "body"}, {"body", "<html/>"}};
     const nlohmann::json refused = {{"kind", "status"}, {"status", 503}};
+    const nlohmann::json denied = {{"kind", "status"}, {"status", 401}};
     const Loss losses[] = {
         {"snapshot create mail-1-0003", "snapshot list", drop},
         {"snapshot create mail-1-0003", "snapshot list", cut},
         {"snapshot create mail-1-0003", "snapshot list", garbled},
         {"snapshot create mail-1-0003", "snapshot list", silent},
         {"snapshot create mail-1-0003", "HTTP return code: 503", refused, 1},
+        {"snapshot create mail-1-0003", "does not accept the access key (401)\n", denied, 1},
         {"snapshot delete snap-00000005 --array {A} --yes", "snapshot list", drop},
         {"snapshot delete snap-00000005 --array {A} --yes", "HTTP return code: 503", refused, 1},
         {"volume clone --snapshot snap-00000005 --array {A}", "volume list", drop},
@@ -284,8 +287,8 @@ TEST_F(KorvelctlTest, RepliesAndTextsOfAnArrayReachNeitherTerminalNorJsonRaw) {
     EXPECT_THAT(Run(id + " --json").out, HasSubstr(R"("displayName":"a\u007f\u00e4\u009b\u202e")"));
 
     simulator.Arm({{"kind", "body"}, {"array", 0}, {"body", "<a>\x1b[31mred</b>"}});
-    EXPECT_THAT(Run("volume list --array {A}"),
-                EndsWith(1, AllOf(HasSubstr("not XML that can be read (line 1: "), Not(HasSubstr("\x1b")))));
+    EXPECT_THAT(Run("volume list --array {A}"), EndsWith(1, AllOf(HasSubstr("not XML that can be read (line 1: "),
+                                                                  Not(HasSubstr("\x1b")), Not(HasSubstr("\\x0a")))));
     simulator.Arm({{"kind", "body"}, {"array", 0}, {"body", "<html/>"}});
     EXPECT_THAT(Run("array validate {A}"), EndsWith(1, HasSubstr("does not seem to be an array")));
     simulator.Arm({{"kind", "status"}, {"status", 401}, {"array", 0}});
