@@ -131,8 +131,11 @@ std::list<std::string> ReadSnapshots(const std::string& reply) {
     return names;
 }
 
-std::string Request(const std::string& url, const std::string& key, const char* method, const std::string* body) {
-    const std::unique_ptr<CURL, Deleter<curl_easy_cleanup>> handle(curl_easy_init());
+Handle NewHandle() {
+    return Handle(curl_easy_init(), curl_easy_cleanup);
+}
+
+std::string Request(const Handle& handle, const std::string& url, const std::string& key) {
     const std::unique_ptr<curl_slist, Deleter<curl_slist_free_all>> headers(
         curl_slist_append(nullptr, ("X-Access-Key: " + key).c_str()));
     std::string reply;
@@ -143,10 +146,6 @@ std::string Request(const std::string& url, const std::string& key, const char* 
     curl_easy_setopt(handle.get(), CURLOPT_HTTPHEADER, headers.get());
     curl_easy_setopt(handle.get(), CURLOPT_WRITEFUNCTION, Append);
     curl_easy_setopt(handle.get(), CURLOPT_WRITEDATA, &reply);
-    curl_easy_setopt(handle.get(), CURLOPT_CUSTOMREQUEST, method);
-    if (body != nullptr) {
-        curl_easy_setopt(handle.get(), CURLOPT_POSTFIELDS, body->c_str());
-    }
     if (curl_easy_perform(handle.get()) != CURLE_OK) {
         throw std::runtime_error("the array does not answer");
     }

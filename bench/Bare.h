@@ -1,6 +1,9 @@
 #pragma once
 
+#include <curl/curl.h>
+
 #include <list>
+#include <memory>
 #include <string>
 
 namespace Bench {
@@ -25,9 +28,12 @@ std::list<Volume> ReadAsStream(const std::string& reply);
 /// @return the names in a listing of snapshots
 std::list<std::string> ReadSnapshots(const std::string& reply);
 
-/// Makes one request on a connection of its own, with the library's settings.
-/// @param body of a POST; null for another method
-std::string Request(const std::string& url, const std::string& key, const char* method, const std::string* body);
+/// A libcurl handle, which keeps its connection as long as it lives.
+using Handle = std::unique_ptr<CURL, void (*)(CURL*)>;
+Handle NewHandle();
+
+/// Makes one GET request with the library's settings.
+std::string Request(const Handle& handle, const std::string& url, const std::string& key);
 
 /// @return a listing of so many volumes, as arrays write it
 std::string Listing(long volumes);
