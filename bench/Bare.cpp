@@ -119,16 +119,19 @@ std::list<Volume> ReadAsStream(const std::string& reply) {
     return std::move(reading.volumes);
 }
 
-std::list<std::string> ReadSnapshots(const std::string& reply) {
-    std::list<std::string> names;
+std::list<std::pair<std::string, std::string>> ReadSnapshots(const std::string& reply) {
+    std::list<std::pair<std::string, std::string>> snapshots;
     ForEachNode(reply, "//snapshots/snapshot", [&](xmlDocPtr document, const xmlNode* node) {
+        auto& [name, displayName] = snapshots.emplace_back();
         for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
-            if (xmlStrcmp(child->name, Xml("name")) == 0) {
-                names.push_back(ContentOf(document, child));
+            if (std::strcmp(Text(child->name), "name") == 0) {
+                name = ContentOf(document, child);
+            } else if (std::strcmp(Text(child->name), "display-name") == 0) {
+                displayName = ContentOf(document, child);
             }
         }
     });
-    return names;
+    return snapshots;
 }
 
 Handle NewHandle() {

@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Bench {
 
@@ -25,8 +26,8 @@ std::list<Volume> ReadAsTree(const std::string& reply);
 /// Reads it piece by piece, which keeps no tree.
 std::list<Volume> ReadAsStream(const std::string& reply);
 
-/// @return the names in a listing of snapshots
-std::list<std::string> ReadSnapshots(const std::string& reply);
+/// @return the names and the display names in a listing of snapshots
+std::list<std::pair<std::string, std::string>> ReadSnapshots(const std::string& reply);
 
 /// A libcurl handle, which keeps its connection as long as it lives.
 using Handle = std::unique_ptr<CURL, void (*)(CURL*)>;
