@@ -1,6 +1,7 @@
 #include "control/Journal.h"
 
 #include <cstddef>
+#include <string>
 
 #include "control/Bytes.h"
 
@@ -28,7 +29,7 @@ nlohmann::json ToJson(const Request& request, std::uint64_t sequence) {
 std::size_t SizeOf(const Request& request) {
     std::size_t size = sizeof request + request.method.size() + request.target.size() + request.body.size();
     for (const auto& [name, value] : request.headers) {
-        size += sizeof name + name.size() + sizeof value + value.size();
+        size += 2 * sizeof(std::string) + name.size() + value.size();
     }
     return size;
 }

@@ -440,19 +440,27 @@ private:
         }
     }
 
-    /// What goes round in a request for ever is met by its end's signal anywhere on its way.
-    static std::string PlaceOf(const Report& report) {
+    /// @return what a library did by itself, in the words of the list of what is known
+    static std::string DeviationOf(const Report& report) {
+        std::string what = verdictNames[static_cast<int>(report.verdict)];
+        std::string place = report.place.name.data();
         const bool inRequest = report.place.owner == Owner::LibCurl || report.place.owner == Owner::OpenSsl;
-        return report.verdict == Verdict::Hang && inRequest ? "libcurl.so.4 and libssl.so.3, a handshake without end"
-                                                            : report.place.name.data();
+        const bool inXPath = report.place.owner == Owner::LibXml2 && (place.find("xmlXPath") != std::string::npos ||
+                                                                      place.find("valuePush") != std::string::npos);
+        if (report.verdict == Verdict::Hang && inRequest) {
+            place = "libcurl.so.4 and libssl.so.3, a handshake without end";  // met anywhere on its way
+        } else if (inXPath && (report.verdict == Verdict::Crash || report.verdict == Verdict::Left)) {
+            what = "crash or left";  // by what lies where it has freed a block and goes on with it
+            place = "libxml2.so.2, an XPath evaluation";
+        }
+        return " | " + what + " | " + place + " |";
     }
 
     void Note(const Call& call, const Slot& slot) {
         const Report& report = *slot.report;
         ++verdicts[call.name][report.verdict];
         if (report.verdict != Verdict::Unharmed && report.verdict != Verdict::Threw) {
-            const std::string what =
-                std::string(" | ") + verdictNames[static_cast<int>(report.verdict)] + " | " + PlaceOf(report) + " |";
+            const std::string what = DeviationOf(report);
             if (++deviations[what] <= 3) {
                 std::cout << call.name << ", allocation " << slot.point.number
                           << (slot.point.all ? " and all behind it: " : ": ") << what << ' ' << report.text.data()
