@@ -83,6 +83,7 @@ template <typename Item, typename Question, typename Take, typename Miss>
 void AskAll(const std::vector<SharedArray>& arrays, const Purpose& purpose, const Question& ask, Take take, Miss miss) {
     std::vector<std::shared_ptr<Answer<Item>>> answers;
     std::vector<Crew::Task> tasks;
+    tasks.reserve(arrays.size());
     for (const SharedArray& array : arrays) {
         tasks.push_back(TaskOf(array, purpose, ask, answers.emplace_back(std::make_shared<Answer<Item>>())));
     }
