@@ -53,7 +53,11 @@ void TableWriter::Line(const std::vector<std::string>& cells, bool coloured) {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::string text = Printable(cells[i]);
-        line += coloured && !goodStates[i].empty() ? (cells[i] == goodStates[i] ? Green : Red) + text + Plain : text;
+        if (coloured && !goodStates[i].empty()) {
+            line.append(cells[i] == goodStates[i] ? Green : Red).append(text).append(Plain);
+        } else {
+            line += text;
+        }
         if (i + 1 != cells.size()) {
             const std::size_t width = DisplayWidth(text);
             line.append((width < widths[i] ? widths[i] - width : 0) + Gap, ' ');

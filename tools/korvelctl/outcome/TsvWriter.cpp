@@ -28,6 +28,7 @@ std::string Escaped(std::string_view text) {
 void TsvWriter::Begin(const std::vector<Column>& columns, const std::string& /*sentence*/,
                       const std::vector<std::vector<std::string>>& /*firstRows*/) {
     std::vector<std::string> keys;
+    keys.reserve(columns.size());
     for (const Column& column : columns) {
         keys.push_back(column.key);
     }
