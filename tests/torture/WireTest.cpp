@@ -130,7 +130,7 @@ const std::vector<Fault>& Faults() {
          {{"kind", "redirect"}, {"status", 307}, {"location", ""}, {"count", 15}},
          0,
          16},
-        {"redirect elsewhere", Effect::Refusal, {{"kind", "redirect"}, {"location", nowhere}}, 404, 2},
+        {"redirect elsewhere", Effect::Refusal, {{"kind", "redirect"}, {"status", 307}, {"location", nowhere}}, 404, 2},
         {"redirect to nobody", Effect::Transport, {{"kind", "redirect"}, {"location", "https://127.0.0.1:1/"}}},
     };
     return faults;
