@@ -77,10 +77,14 @@ Result KorvelctlTest::Execute(const std::string& arguments, const std::string& i
     WriteFile(file + ".in", input);
     const std::string line =
         KorvelctlCommand() + " " + Filled(arguments) + " <" + file + ".in >" + file + ".out 2>" + file + ".err";
-    int status = std::system(line.c_str());  // NOLINT(cert-env33-c): the shell redirects on both systems
-#if !defined(_WIN32)
+    // NOLINTBEGIN(cert-env33-c): the shell redirects on both systems
+#if defined(_WIN32)
+    const int status = std::system(('"' + line + '"').c_str());  // its shell takes the outermost quotes away
+#else
+    int status = std::system(line.c_str());
     status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
+    // NOLINTEND(cert-env33-c)
     Result result{status, ReadFile(file + ".out"), ReadFile(file + ".err")};
     if (arguments.find("--json") != std::string::npos) {
         CheckObject(result);
@@ -122,7 +126,7 @@ std::string KorvelctlTest::ReadFile(const std::string& path) {
 
 std::string KorvelctlCommand() {
     const char* program = std::getenv("KORVELCTL_COMMAND");
-    return program == nullptr ? "korvelctl" : program;
+    return program == nullptr ? "korvelctl" : '"' + std::string(program) + '"';
 }
 
 }  // namespace Korvel::Testing
