@@ -1,7 +1,5 @@
 #include "Options.h"
 
-#include <arpa/inet.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
@@ -11,6 +9,7 @@
 #include "KVersion.h"
 #include "page/ManPage.h"
 #include "tree/Description.h"
+#include "wire/Socket.h"
 
 namespace Korvel::Sim {
 namespace {
@@ -37,8 +36,8 @@ constexpr Network loopback{127, 24};
 constexpr Network privateNetworks[] = {{10, 24}, {172U << 4U | 1U, 20}, {192U << 8U | 168U, 16}};
 
 bool IsIn(const std::string& text, const Network& network) {
-    in_addr address = {};
-    return inet_pton(AF_INET, text.c_str(), &address) == 1 && ntohl(address.s_addr) >> network.free == network.prefix;
+    const std::optional<std::uint32_t> address = Socket::ParseAddress(text);
+    return address && *address >> network.free == network.prefix;
 }
 
 std::string CheckAddress(const std::string& text) {

@@ -1,9 +1,5 @@
 #include <libxml/parser.h>
-#include <pthread.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -11,25 +7,16 @@
 #include <string>
 
 #include "Options.h"
+#include "Process.h"
 #include "Simulator.h"
 #include "control/ControlServer.h"
 #include "control/StateFile.h"
 
 namespace {
 
-// Every thread inherits the mask, so that the signals wait for the one that asks for them.
-sigset_t BlockEndSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
-}
-
 // The entries hold access keys, so the file is its owner's alone from the first byte on.
 void WriteRegFile(const std::string& path, const std::string& text) {
-    umask(S_IRWXG | S_IRWXO);
+    Korvel::Sim::Process::KeepFilesPrivate();
     std::ofstream file(path, std::ios::trunc);
     if (file) {
         using std::filesystem::perms;
@@ -52,9 +39,9 @@ void Announce(const Korvel::Sim::Simulator& simulator, const Korvel::Sim::Contro
 }
 
 void Run(const Korvel::Sim::Options& options) {
-    const sigset_t signals = BlockEndSignals();
+    Korvel::Sim::Process process;
     Korvel::Sim::Simulator simulator(options);
-    Korvel::Sim::ControlServer control(simulator, [] { kill(getpid(), SIGTERM); });
+    Korvel::Sim::ControlServer control(simulator, &Korvel::Sim::Process::End);
     control.Start(options.IsOpen() ? "127.0.0.1" : options.address, options.controlPort);
     if (options.IsOpen()) {
         std::cerr << "korvel-simulator: warning: every machine that reaches " << options.address
@@ -64,8 +51,7 @@ void Run(const Korvel::Sim::Options& options) {
         WriteRegFile(options.regFile, simulator.RegistryText());
     }
     Announce(simulator, control);
-    int signal = 0;
-    sigwait(&signals, &signal);
+    process.WaitForEnd();
     if (!options.saveState.empty()) {
         Korvel::Sim::StateFile::Write(options.saveState, simulator.Held());
     }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -219,6 +220,30 @@ TEST_F(SimulatorTest, FaultsHitTheRequestsTheyAreMeantFor) {
     simulator.Arm({{"kind", "drop"}, {"execute", true}});
     EXPECT_NE(Send("DELETE", "/api/volumes/vol-00000001").result, CURLE_OK);
     EXPECT_EQ(simulator.State().at("volumes").size(), 3U);
+}
+
+TEST_F(SimulatorTest, AGlobIsTheShapeOfAPath) {
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"*", "/api/drives", true},
+        {"/api/drives", "/api/drives", true},
+        {"/api/drives", "/api/drives/", false},
+        {"/api/d*s", "/api/drives/addresses", true},
+        {"/*/*/x*y?", "/api/xy/xaxyyz", true},
+        {"/api/d*s", "/api/drives/a", false},
+        {"/?pi/*", "/api/drives", true},
+        {"/api/?", "/api/", false},
+        {"/[a-c]pi/drives", "/api/drives", true},
+        {"/[!a-c]pi/drives", "/api/drives", false},
+        {"/[x!-]pi", "/-pi", true},
+        {"/[]a]pi", "/]pi", true},
+        {"/[api", "/[api", true},
+        {"", "/api", false},
+    };
+    for (const auto& [glob, path, hit] : cases) {
+        simulator.Arm({{"kind", "status"}, {"status", 418}, {"glob", glob}});
+        EXPECT_EQ(Send("GET", path).status == 418, hit) << glob << " " << path;
+        simulator.ClearFaults();
+    }
 }
 
 TEST_F(SimulatorTest, ConnectionsEndBeforeTheirFirstRequest) {

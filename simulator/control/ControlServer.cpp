@@ -1,8 +1,5 @@
 #include "control/ControlServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-
 #include <charconv>
 #include <optional>
 #include <stdexcept>
@@ -12,6 +9,7 @@
 #include "array/Inventory.h"
 #include "control/Fault.h"
 #include "control/JsonFields.h"
+#include "wire/Socket.h"
 
 namespace Korvel::Sim {
 namespace {
@@ -38,9 +36,7 @@ bool IsLoopback(std::string host) {
     host =
         host.substr(0, host.rfind(':') > host.rfind(']') || host.rfind(']') == std::string::npos ? host.rfind(':')
                                                                                                  : std::string::npos);
-    in_addr address = {};
-    return host == "localhost" || host == "[::1]" ||
-           (inet_pton(AF_INET, host.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24U) == 127);
+    return host == "localhost" || host == "[::1]" || Socket::ParseAddress(host).value_or(0) >> 24U == 127;
 }
 
 bool ComesFromHere(const httplib::Request& request) {

@@ -1,13 +1,12 @@
 #include "control/Fault.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <cctype>
 #include <initializer_list>
 #include <stdexcept>
 
 #include "control/Bytes.h"
+#include "control/Glob.h"
 #include "control/JsonFields.h"
 
 namespace Korvel::Sim {
@@ -179,8 +178,7 @@ bool Fault::MatchesConnection(std::size_t ofArray, int ofPort) const {
 bool Fault::MatchesRequest(std::size_t ofArray, int ofPort, const std::string& ofMethod,
                            const std::string& ofTarget) const {
     return kind != Kind::Connection && (!array || *array == ofArray) && (!port || *port == ofPort) &&
-           (!method || *method == ofMethod) && (!path || *path == ofTarget) &&
-           (!glob || fnmatch(glob->c_str(), ofTarget.c_str(), 0) == 0);
+           (!method || *method == ofMethod) && (!path || *path == ofTarget) && (!glob || HasShape(ofTarget, *glob));
 }
 
 }  // namespace Korvel::Sim

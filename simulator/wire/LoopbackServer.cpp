@@ -1,12 +1,10 @@
 #include "wire/LoopbackServer.h"
 
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <stdexcept>
 #include <utility>
 
 #include "wire/GrowingPool.h"
+#include "wire/Socket.h"
 
 namespace Korvel::Sim {
 namespace {
@@ -31,7 +29,7 @@ public:
     ~OpenSocket() {
         const std::lock_guard lock(server.mutex);
         server.open.erase(descriptor);
-        close(descriptor);
+        Socket::Close(descriptor);
     }
 
     OpenSocket(const OpenSocket&) = delete;
@@ -48,11 +46,7 @@ LoopbackServer::LoopbackServer(SSL_CTX* tls) : tlsContext(tls) {
     new_task_queue = [] { return new GrowingPool; };  // the HTTP library's to delete
     set_read_timeout(patience);
     set_write_timeout(patience);
-    // The library's own default would let two processes share one port.
-    set_socket_options([](socket_t sock) {
-        const int yes = 1;
-        setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
+    set_socket_options(&Socket::ClaimPort);
 }
 
 LoopbackServer::~LoopbackServer() {
@@ -97,7 +91,7 @@ void LoopbackServer::Stop() {
         stopping = true;
         stopped.notify_all();
         for (const socket_t sock : open) {
-            shutdown(sock, SHUT_RDWR);
+            Socket::ShutDown(sock);
         }
     }
     stop();

@@ -1,17 +1,15 @@
 #include "wire/WireStream.h"
 
-#include <arpa/inet.h>
 #include <openssl/err.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/time.h>
 
 #include <algorithm>
+
+#include "wire/Socket.h"
 
 namespace Korvel::Sim {
 namespace {
 
-// TLS counts in int.
+// TLS counts in int, and so do sockets of Windows.
 int Limited(std::size_t size) {
     return static_cast<int>(std::min<std::size_t>(size, 1U << 20U));
 }
@@ -28,7 +26,7 @@ WireStream::WireStream(socket_t socket, SSL_CTX* tls)
     : descriptor(socket), session(tls != nullptr ? SSL_new(tls) : nullptr, SSL_free) {
     if (session) {
         SSL_set_app_data(session.get(), this);
-        SSL_set_fd(session.get(), descriptor);
+        SSL_set_fd(session.get(), static_cast<int>(descriptor));
     }
 }
 
@@ -51,17 +49,11 @@ bool WireStream::Handshake(std::chrono::seconds patience) {
 }
 
 void WireStream::SetPatience(std::chrono::seconds patience) const {
-    const timeval limit = {.tv_sec = patience.count(), .tv_usec = 0};
-    setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    Socket::LimitWaiting(descriptor, patience);
 }
 
 bool WireStream::WaitForRequest(std::chrono::seconds patience) const {
-    if (session && SSL_pending(session.get()) > 0) {
-        return true;
-    }
-    pollfd waiting = {.fd = descriptor, .events = POLLIN, .revents = 0};
-    return poll(&waiting, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) > 0;
+    return (session && SSL_pending(session.get()) > 0) || Socket::WaitForBytes(descriptor, patience);
 }
 
 void WireStream::BeginRequest() {
@@ -80,7 +72,7 @@ bool WireStream::FinishHead() {
 
 void WireStream::Reset() {
     const linger atOnce = {.l_onoff = 1, .l_linger = 0};
-    setsockopt(descriptor, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    setsockopt(descriptor, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
     Drop();
 }
 
@@ -90,7 +82,7 @@ void WireStream::SwallowHello() const {
 }
 
 void WireStream::SendUnsealed(const std::string& bytes) const {
-    static_cast<void>(send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL));
+    Socket::SendBytes(descriptor, bytes.data(), Limited(bytes.size()));
 }
 
 int WireStream::ClientPort() const {
@@ -104,7 +96,8 @@ ssize_t WireStream::read(char* ptr, size_t size) {
     if (dropped || broken) {
         return -1;
     }
-    const ssize_t count = session ? SSL_read(session.get(), ptr, Limited(size)) : recv(descriptor, ptr, size, 0);
+    const ssize_t count =
+        session ? SSL_read(session.get(), ptr, Limited(size)) : recv(descriptor, ptr, Limited(size), 0);
     if (count > 0) {
         KeepHead(ptr, static_cast<std::size_t>(count));
     } else {
@@ -118,7 +111,7 @@ ssize_t WireStream::write(const char* ptr, size_t size) {
         return -1;
     }
     const ssize_t count =
-        session ? SSL_write(session.get(), ptr, Limited(size)) : send(descriptor, ptr, size, MSG_NOSIGNAL);
+        session ? SSL_write(session.get(), ptr, Limited(size)) : Socket::SendBytes(descriptor, ptr, Limited(size));
     broken = count <= 0;
     return count;
 }
