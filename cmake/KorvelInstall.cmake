@@ -26,6 +26,7 @@ if(KORVEL_BUILD_SIMULATOR)
     install(TARGETS korvel-simulator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     if(NOT WIN32)
         install(PROGRAMS simulator/with-simulator DESTINATION ${CMAKE_INSTALL_BINDIR})
+        install(FILES simulator/with-simulator.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     endif()
 endif()
 
