@@ -20,6 +20,7 @@
 #include "outcome/Problem.h"
 #include "outcome/Report.h"
 #include "terminal/LogFile.h"
+#include "terminal/System.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
@@ -120,6 +121,7 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     int status = Korvel::Ctl::ExitFailed;
+    Korvel::Ctl::ShareOneHeap();
     std::ios::sync_with_stdio(false);  // a long list is written in large pieces
     try {
         status = Korvel::Ctl::Run(argc, argv);

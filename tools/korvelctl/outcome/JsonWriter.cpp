@@ -17,6 +17,12 @@ std::string Written(const nlohmann::ordered_json& value) {
     return value.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
 }
 
+/// A text as Written() writes it, faster when nothing in it has to be escaped, as in nearly every text of a long list.
+std::string Quoted(const std::string& text) {
+    const auto isPlain = [](char byte) { return byte >= 0x20 && byte < 0x7F && byte != '"' && byte != '\\'; };
+    return std::all_of(text.begin(), text.end(), isPlain) ? '"' + text + '"' : Written(text);
+}
+
 const char* KindOf(const Problem& problem) {
     return std::find_if(std::begin(ExitMeanings), std::end(ExitMeanings),
                         [&problem](const ExitMeaning& meaning) { return meaning.status == problem.status; })
@@ -28,7 +34,7 @@ const char* KindOf(const Problem& problem) {
 void JsonWriter::Begin(const std::vector<Column>& columns, const std::string& /*sentence*/,
                        const std::vector<std::vector<std::string>>& /*firstRows*/) {
     for (const Column& column : columns) {
-        keys.push_back(column.key);
+        beginnings.push_back((beginnings.empty() ? "{" : ",") + Quoted(column.key) + ":");
     }
     output << "{\"results\": [";
 }
@@ -44,11 +50,11 @@ void JsonWriter::EndList() {
 }
 
 void JsonWriter::Row(const std::vector<std::string>& cells) {
-    auto object = nlohmann::ordered_json::object();
+    std::string object;
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        object[keys[i]] = cells[i];
+        object.append(beginnings[i]).append(Quoted(cells[i]));
     }
-    Element(Written(object));
+    Element(object.append("}"));
 }
 
 void JsonWriter::End(const std::vector<Problem>& problems, ExitStatus status) {

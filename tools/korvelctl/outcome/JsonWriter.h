@@ -27,7 +27,7 @@ private:
     void EndList();
 
     std::ostream& output;
-    std::vector<std::string> keys;
+    std::vector<std::string> beginnings;  // what stands before each cell of a row
     bool first = true;
 };
 

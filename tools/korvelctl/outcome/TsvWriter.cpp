@@ -11,6 +11,9 @@ namespace {
 std::string Escaped(std::string_view text) {
     constexpr std::string_view special = "\\\t\n\r";
     constexpr std::string_view letters = "\\tnr";
+    if (text.find_first_of(special) == std::string_view::npos) {
+        return Printable(text);  // as nearly every text of a long list
+    }
     std::string escaped;
     for (const char character : text) {
         const std::size_t which = special.find(character);

@@ -15,6 +15,9 @@
 #include <termios.h>
 #include <unistd.h>
 #endif
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #if defined(__MINGW32__)
 extern "C" {
@@ -106,6 +109,12 @@ std::string Environment(const char* name) {
 }
 
 }  // namespace
+
+void ShareOneHeap() {
+#if defined(__GLIBC__)
+    mallopt(M_ARENA_MAX, 1);
+#endif
+}
 
 bool InputIsTerminal() {
 #if defined(_WIN32)

@@ -36,9 +36,7 @@ void AppendHex(std::string& text, char32_t number, std::size_t digits) {
 
 std::string Printable(std::string_view text) {
     const auto isPlain = [](char byte) { return byte >= 0x20 && byte < 0x7F; };
-    std::string visible;
-    visible.reserve(text.size());
-    std::copy(text.begin(), std::find_if_not(text.begin(), text.end(), isPlain), std::back_inserter(visible));
+    std::string visible(text.begin(), std::find_if_not(text.begin(), text.end(), isPlain));
     text.remove_prefix(visible.size());
     while (!text.empty()) {
         const Utf8Character next = FirstCharacter(text);
