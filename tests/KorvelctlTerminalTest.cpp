@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -48,6 +49,12 @@ public:
     /// Types keys; a control character acts as on a keyboard.
     void Type(const std::string& keys) const {
         ASSERT_EQ(write(terminal, keys.data(), keys.size()), ssize_t(keys.size()));
+    }
+
+    /// Makes the window narrower.
+    void Narrow(unsigned short columns) const {
+        const winsize size{24, columns, 0, 0};
+        ioctl(terminal, TIOCSWINSZ, &size);
     }
 
     /// Reads on until the screen has shown a text, or the program has ended.
@@ -173,20 +180,22 @@ TEST_F(KorvelctlTest, WhatIsWaitedForIsShownAndGoneAtTheEnd) {
 }
 
 TEST_F(KorvelctlTest, CtrlCTellsWhatMayHaveBeenDone) {
-    for (const std::string path : {"/api/snapshots/snapshots_set", "/api/servers"}) {
-        simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}, {"path", path}});
-    }
+    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 0}, {"path", "/api/snapshots/snapshots_set"}});
+    simulator.Arm({{"kind", "delay"}, {"delay", 30000}, {"array", 1}, {"path", "/api/servers"}});
     Terminal change("snapshot create mail-1-0003");
     Terminal look("server list --format json");
     change.ReadUntil("waiting for array " + simulator.Address());
+    change.Narrow(20);
+    change.ReadUntil("\rwaiting for array 1\r");
     change.Type(CtrlC);
     EXPECT_EQ(change.End(), 75);
     EXPECT_THAT(change.screen, HasSubstr("may have been carried out"));
 
-    look.ReadUntil("waiting for array " + simulator.Address());
+    look.ReadUntil("srv-00000001");  // what is there is shown meanwhile
+    look.ReadUntil("waiting for array " + simulator.Address(1));
     look.Type(CtrlC);
     EXPECT_EQ(look.End(), 130);
-    EXPECT_THAT(look.screen, AllOf(HasSubstr("srv-00000001"), HasSubstr("has not answered before the interruption"),
+    EXPECT_THAT(look.screen, AllOf(HasSubstr("has not answered before the interruption"),
                                    HasSubstr("\"kind\":\"interrupted\""), HasSubstr("], \"status\": 130}")));
 }
 

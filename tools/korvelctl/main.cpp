@@ -112,6 +112,10 @@ int Run(int argc, char** argv) {
         return ShowDocument(line.document, format);
     }
     Report report(MakeWriter(format, std::cout));
+    Crew::OnLongWait([&report] {
+        report.ShowRows();
+        std::cout.flush();
+    });
     Carry(line, report);
     return Show(report);
 }

@@ -22,6 +22,7 @@ constexpr milliseconds Tick{100};        // a signal handler cannot wake whoever
 constexpr milliseconds SilentFor{2000};  // what takes less is not worth a line on the terminal
 
 std::atomic<bool> leftBehind{false};
+std::function<void()> showWhatIsThere = [] {};
 
 struct Entry {
     explicit Entry(std::function<void()> onNews) : progress(std::move(onNews)) {}
@@ -109,7 +110,11 @@ Crew::State Crew::Wait(std::size_t task, const std::function<bool()>& hasNews) {
 
 /// Called with the lock held.
 void Crew::ShowWaiting() const {
-    if (!StatusLine::IsUseful() || Patience::Clock::now() - shared->begin < SilentFor) {
+    if (Patience::Clock::now() - shared->begin < SilentFor) {
+        return;
+    }
+    showWhatIsThere();
+    if (!StatusLine::IsUseful()) {
         return;
     }
     std::string text;
@@ -126,6 +131,10 @@ void Crew::ShowWaiting() const {
         text = "waiting for array " + entry.task.array + (progress.empty() ? "" : ", " + progress);
     }
     StatusLine::Show(text + (others == 0 ? "" : "; " + std::to_string(others) + " more to answer"));
+}
+
+void Crew::OnLongWait(std::function<void()> show) {
+    showWhatIsThere = std::move(show);
 }
 
 bool Crew::LeftWorkBehind() {

@@ -38,6 +38,10 @@ public:
     /// @return the task's state: Done, or another when there is news or no patience left
     State Wait(std::size_t task, const std::function<bool()>& hasNews);
 
+    /// @param show called again and again while a wait takes long, so that what is there already can be shown; not on
+    ///        top of a line on the terminal
+    static void OnLongWait(std::function<void()> show);
+
     /// @return whether work was left behind
     static bool LeftWorkBehind();
 

@@ -55,6 +55,12 @@ void Report::WriteHeld() {
     held.clear();
 }
 
+void Report::ShowRows() {
+    if (!begun && HasRows()) {
+        WriteHeld();
+    }
+}
+
 void Report::Finish() {
     if (!begun) {
         WriteHeld();

@@ -14,7 +14,8 @@ namespace Korvel::Ctl {
 
 /// What a command has to show: a sentence, rows under columns, and what went wrong.
 ///
-/// The first rows are held back, because a table's widths come from them; a longer list is written as it is made.
+/// The first rows are held back for a moment, because a table's widths come from them; a longer list is written as it
+/// is made.
 class Report {
 public:
     /// @param rowWriter the form in which the rows are written
@@ -49,6 +50,9 @@ public:
 
     /// @return the exit status: the gravest problem's, or ExitPartial when there are results beside a failure
     ExitStatus Status() const;
+
+    /// Holds no rows back any longer.
+    void ShowRows();
 
     /// Writes what is not written yet. Nothing may be added afterwards.
     void Finish();

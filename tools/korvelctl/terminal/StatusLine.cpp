@@ -1,8 +1,11 @@
 #include "terminal/StatusLine.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <iostream>
 
 #include "terminal/System.h"
+#include "text/DisplayWidth.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
@@ -15,13 +18,17 @@ bool StatusLine::IsUseful() {
 }
 
 void StatusLine::Show(const std::string& text) {
-    const std::string line = Printable(text).substr(0, ErrorWidth() - 1);  // a line that wraps cannot be redrawn
+    const std::size_t columns = ErrorWidth() - 1;  // a line that wraps cannot be redrawn
+    const std::string visible = Printable(text);
+    const std::string line(FirstColumns(visible, columns));
     if (line == shown) {
         return;
     }
-    // Blanks and not escape sequences, which a console of Windows has to be told to understand.
-    const std::string rest(shown.size() > line.size() ? shown.size() - line.size() : 0, ' ');
-    std::cerr << '\r' << line << rest << '\r' << std::flush;
+    // Blanks and not escape sequences, which a console of Windows has to be told to understand. What was shown may be
+    // wider than the terminal is by now.
+    const std::size_t width = DisplayWidth(line);
+    const std::size_t before = std::clamp(DisplayWidth(shown), width, columns);
+    std::cerr << '\r' << line << std::string(before - width, ' ') << '\r' << std::flush;
     shown = line;
 }
 

@@ -150,12 +150,12 @@ std::size_t ErrorWidth() {
     constexpr std::size_t usual = 80;
 #if defined(_WIN32)
     CONSOLE_SCREEN_BUFFER_INFO information;
-    return GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &information) != 0 && information.dwSize.X > 1
+    return GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &information) != 0 && information.dwSize.X > 0
                ? static_cast<std::size_t>(information.dwSize.X)
                : usual;
 #else
     winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : usual;
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 #endif
 }
 

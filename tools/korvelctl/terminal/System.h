@@ -21,7 +21,7 @@ bool ErrorIsTerminal();
 /// them
 bool OutputTakesColour();
 
-/// @return how many characters a line of standard error's terminal takes
+/// @return how many columns a line of standard error's terminal has, as it is now; at least one
 std::size_t ErrorWidth();
 
 /// The longest line that an answer to a question may have.

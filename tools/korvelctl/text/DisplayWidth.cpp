@@ -17,6 +17,10 @@ bool IsIn(const CharacterRange (&table)[Count], char32_t code) {
     return range != std::end(table) && range->first <= code;
 }
 
+std::size_t WidthOf(char32_t code) {
+    return IsIn(CharactersWithoutWidth, code) ? 0 : IsIn(WideCharacters, code) ? 2 : 1;
+}
+
 }  // namespace
 
 std::size_t DisplayWidth(std::string_view text) {
@@ -26,12 +30,24 @@ std::size_t DisplayWidth(std::string_view text) {
     std::size_t width = 0;
     while (!text.empty()) {
         const Utf8Character next = FirstCharacter(text);
-        if (!IsIn(CharactersWithoutWidth, next.code)) {
-            width += IsIn(WideCharacters, next.code) ? 2 : 1;
-        }
+        width += WidthOf(next.code);
         text.remove_prefix(next.size);
     }
     return width;
+}
+
+std::string_view FirstColumns(std::string_view text, std::size_t columns) {
+    std::size_t size = 0;
+    while (size < text.size()) {
+        const Utf8Character next = FirstCharacter(text.substr(size));
+        const std::size_t width = WidthOf(next.code);
+        if (width > columns) {
+            break;
+        }
+        columns -= width;
+        size += next.size;
+    }
+    return text.substr(0, size);
 }
 
 }  // namespace Korvel::Ctl

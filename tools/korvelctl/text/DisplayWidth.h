@@ -10,4 +10,8 @@ namespace Korvel::Ctl {
 ///         system's own function knows a locale's characters only, and Windows has none.
 std::size_t DisplayWidth(std::string_view text);
 
+/// @param text as for DisplayWidth()
+/// @return as much of its beginning as fits into so many columns
+std::string_view FirstColumns(std::string_view text, std::size_t columns);
+
 }  // namespace Korvel::Ctl
