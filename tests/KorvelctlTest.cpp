@@ -193,6 +193,8 @@ TEST_F(KorvelctlTest, AChangeWithoutAnAnswerIsAnUnknownOutcome) {
     const nlohmann::json garbled = {{"kind", "body"}, {"body", "<open>"}};
     const nlohmann::json silent = {{"kind", "body"}, {"body", "<html/>"}};
     const nlohmann::json refused = {{"kind", "status"}, {"status", 503}};
+    const nlohmann::json lostBehind = {{"kind", "status"}, {"status", 504}};
+    const std::string unlisted = "look at the array itself";
     const nlohmann::json denied = {{"kind", "status"}, {"status", 401}};
     const Loss losses[] = {
         {"snapshot create mail-1-0003", "snapshot list", drop},
@@ -204,10 +206,16 @@ TEST_F(KorvelctlTest, AChangeWithoutAnAnswerIsAnUnknownOutcome) {
         {"snapshot delete snap-00000005 --array {A} --yes", "snapshot list", drop},
         {"snapshot delete snap-00000005 --array {A} --yes", "HTTP return code: 503", refused, 1},
         {"volume clone --snapshot snap-00000005 --array {A}", "volume list", drop},
-        {"volume rollback --snapshot snap-00000005 --array {A} --yes", "volume list", silent},
+        {"volume clone --snapshot snap-00000005 --array {A}",
+         "exists already (names carry the clock's second",
+         {{"kind", "body"},
+          {"body",
+           "<clone-cg-response><status>1</status><status-msg>c exists already</status-msg></clone-cg-response>"}},
+         1},
+        {"volume rollback --snapshot snap-00000005 --array {A} --yes", unlisted, silent},
         {"volume delete mail-1-0003 --yes", "volume list", drop},
-        {"volume attach mail-1-0003 --server srv-00000001", "volume list", cut},
-        {"volume detach mail-1-0003 --server srv-00000001", "volume list", drop},
+        {"volume attach mail-1-0003 --server srv-00000001", unlisted, cut},
+        {"volume detach mail-1-0003 --server srv-00000001", unlisted, lostBehind},
         {"server find iqn.new --array {A}", "server list", drop},
         {"server find iqn.new --array {A}",
          "refuses and gives no reason",

@@ -1,5 +1,6 @@
 #include "commands/CommandTable.h"
 
+#include <cstdlib>
 #include <iomanip>
 #include <sstream>
 #include <string>
@@ -41,6 +42,14 @@ std::string DescribeStatuses() {
     return text.str() + '\n';
 }
 
+/// @return what is wrong with a time limit, or an empty text
+std::string JudgeTimeout(const std::string& text) {
+    constexpr double most = 1e6;  // more does not fit into every clock
+    char* end = nullptr;
+    const double seconds = std::strtod(text.c_str(), &end);
+    return *end == '\0' && seconds > 0 && seconds <= most ? "" : "a number above 0 and up to 1000000 is wanted";
+}
+
 void AddProgramOptions(CLI::App& program, CommandLine& line) {
     program.set_version_flag("--version", "korvelctl " KORVEL_VERSION);
     program.set_help_flag("--help,-h", "Show this help");
@@ -59,7 +68,7 @@ void AddProgramOptions(CLI::App& program, CommandLine& line) {
     program
         .add_option("--timeout", line.timeout,
                     "Wait at most so long for the arrays; what has not answered then is named")
-        ->check(CLI::PositiveNumber)
+        ->check(JudgeTimeout)
         ->type_name("SECONDS");
     program.footer(DescribeStatuses() + "'korvelctl FAMILY COMMAND --help' explains a command and shows an example.");
 }

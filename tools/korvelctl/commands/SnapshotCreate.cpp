@@ -100,15 +100,6 @@ void ReportSet(Report& report, const ArraySet& set, const std::list<std::string>
     }
 }
 
-/// The library makes the snapshots' names of the clock's second.
-Failure Hinted(const Failure& failure) {
-    const std::string text = failure.what();
-    const bool refused = failure.Status() == ExitFailed && text.find("exist") != std::string::npos;
-    return {failure.Status(),
-            refused ? text + " (names carry the clock's second: if a set was just taken, wait a second)" : text,
-            failure.Array()};
-}
-
 void TakeSets(const std::vector<ArraySet>& sets, Report& report) {
     std::vector<SharedArray> arrays;
     std::map<const KArray*, ArraySet> setOf;
@@ -116,7 +107,7 @@ void TakeSets(const std::vector<ArraySet>& sets, Report& report) {
         arrays.push_back(set.array);
         setOf.emplace(set.array.get(), set);
     }
-    const Purpose purpose{"create a snapshot set", "snapshot list"};
+    const Purpose purpose{"create a snapshot set", "snapshot list", "if a set was just taken, wait a second"};
     AskAll<std::list<std::string>>(
         arrays, purpose,
         [setOf, purpose](KArray& array, Answering<std::list<std::string>>& answering) {
@@ -124,8 +115,11 @@ void TakeSets(const std::vector<ArraySet>& sets, Report& report) {
         },
         [&](const SharedArray& array, const std::list<std::string>& snapshots) {
             ReportSet(report, setOf.at(array.get()), snapshots);
+            if (report.HasRows()) {
+                report.SetSentence("Created one consistent snapshot set on each array:");
+            }
         },
-        [&report](const Failure& failure) { report.AddProblem(Hinted(failure)); });  // what others created is shown
+        [&report](const Failure& failure) { report.AddProblem(failure); });  // what others created is shown
 }
 
 void Run(const Options& options, Report& report) {
@@ -137,9 +131,6 @@ void Run(const Options& options, Report& report) {
 
     report.SetColumns({{"Array", "array"}, {"Volume", "displayName"}, {"Name", "name"}, {"Snapshot", "snapshot"}});
     TakeSets(sets, report);
-    if (report.HasRows()) {
-        report.SetSentence("Created one consistent snapshot set on each array:");
-    }
 }
 
 }  // namespace

@@ -44,7 +44,8 @@ void Run(const Options& options, Report& report) {
     const std::string group = source.volume.group;
     CheckPath("group name", source.Address(), ClonePath, group);
 
-    const Purpose purpose{"clone snapshot '" + options.snapshot + "'", "volume list"};
+    const Purpose purpose{"clone snapshot '" + options.snapshot + "'", "volume list",
+                          "if the snapshot was just cloned, wait a second"};
     Volume clone = AskOne(source.array, purpose, [purpose, group, snapshot = options.snapshot](KArray& array) {
         KVolume* made = nullptr;
         RequireSuccess(array.CloneVolume(group, snapshot, made), AddressOf(array), purpose);

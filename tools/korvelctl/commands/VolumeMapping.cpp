@@ -49,7 +49,7 @@ void Change(const Options& options, Report& report, const Mapping& mapping) {
     CheckBodyText("server ID", server);
     CheckPath("server ID", address, AttachPath, server);
 
-    const Purpose purpose{std::string(mapping.verb) + " " + found.Described(), "volume list"};
+    const Purpose purpose{std::string(mapping.verb) + " " + found.Described(), NotListed};
     AskOne(found.array, purpose, [purpose, mapping, server, volume = found.volume.name](KArray& array) {
         const int status = (array.*mapping.operation)(volume, server);
         RequireSuccess(status, AddressOf(array), purpose);

@@ -42,7 +42,7 @@ void Run(const Options& options, Report& report) {
 
     Confirm(options.yes, "This takes the whole group '" + found.volume.group + "' of " + found.Described() +
                              " back to snapshot '" + options.snapshot + "'; what was written since is lost.");
-    const Purpose purpose{"roll back to snapshot '" + options.snapshot + "'", "volume list"};
+    const Purpose purpose{"roll back to snapshot '" + options.snapshot + "'", NotListed};
     AskOne(found.array, purpose, [purpose, volume = found.volume, snapshot = options.snapshot](KArray& array) {
         const int status = RollBack(array, volume, snapshot);
         RequireSuccess(status, AddressOf(array), purpose);

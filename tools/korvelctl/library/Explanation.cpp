@@ -3,6 +3,7 @@
 #include <KorvelAccessLibrary.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <iterator>
 #include <new>
@@ -20,7 +21,7 @@ namespace {
 struct Meaning {
     std::string_view beginning;  ///< of the library's text
     bool afterSending;           ///< whether the array may have carried out what it was asked for
-    const char* explanation;     ///< in place of the library's text
+    const char* explanation;     ///< in place of the library's text; null to leave it
     const char* hint = "";       ///< what else to say when nothing was to be changed
 };
 
@@ -32,6 +33,8 @@ constexpr Meaning Meanings[] = {
     {"Failed to create xml path context", true, "there is too little memory to read the reply"},
     {"Failed to evaluate xPath expression", true, "there is too little memory to read the reply"},
     {"HTTP return code: 401", false, "the array does not accept the access key (401)"},
+    {"HTTP return code: 502", true, nullptr},  // what stands before the array got no answer from it
+    {"HTTP return code: 504", true, nullptr},
     {"List volume failed", true, "the array does not list its volumes"},  // a clone is looked for after it was made
     {"List servers failed", false, "the array does not list its servers: does it accept the access key?"},
     {"List drives failed", false, "it does not accept the access key, or cannot list its drives"},
@@ -56,7 +59,11 @@ std::string ProxyHint() {
     for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
         const char* proxy = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing changes the environment
         if (proxy != nullptr && *proxy != '\0') {
-            return std::string("; the environment's ") + name + " leads to " + proxy + ": is the array in no_proxy?";
+            std::string shown = proxy;
+            if (const std::size_t host = shown.rfind('@'); host != std::string::npos) {
+                shown.erase(0, host + 1);  // before it may stand a password
+            }
+            return std::string("; the environment's ") + name + " leads to " + shown + ": is the array in no_proxy?";
         }
     }
     return {};
@@ -71,11 +78,17 @@ bool MayHaveBeenDone(const std::exception& error) {
            dynamic_cast<const KException*>(&error) == nullptr;
 }
 
+bool SaysItExists(std::string_view text) {
+    return text.find("exist") != std::string_view::npos && text.find("not exist") == std::string_view::npos;
+}
+
 Failure Unknown(const std::string& address, const Purpose& purpose, const std::string& reason) {
+    const std::string look = *purpose.lookHere == '\0' ? "no listing shows it: look at the array itself"
+                                                       : std::string("look with 'korvelctl ") + purpose.lookHere +
+                                                             " --array " + address + "'";
     return {ExitOutcomeUnknown,
-            "array " + address + ": " + reason + ": the request to " + purpose.action +
-                " may have been carried out; look with 'korvelctl " + purpose.lookHere + " --array " + address +
-                "' before you repeat it",
+            "array " + address + ": " + reason + ": the request to " + purpose.action + " may have been carried out; " +
+                look + " before you repeat it",
             address};
 }
 
@@ -88,7 +101,8 @@ std::string Explain(const std::exception& error) {
     }
     const Meaning* meaning = MeaningOf(text);
     const std::string complaint = text == UnreadableReply ? TakeXmlComplaint() : "";
-    return (meaning != nullptr ? meaning->explanation : text) + (complaint.empty() ? "" : " (" + complaint + ")");
+    return (meaning != nullptr && meaning->explanation != nullptr ? meaning->explanation : text) +
+           (complaint.empty() ? "" : " (" + complaint + ")");
 }
 
 Failure FailureOf(const std::string& address, const Purpose& purpose, const std::exception& error) {
@@ -98,7 +112,10 @@ Failure FailureOf(const std::string& address, const Purpose& purpose, const std:
     }
     const std::string text = TextOf(error);
     const Meaning* meaning = MeaningOf(text);
-    const std::string hint = meaning == nullptr || *meaning->hint == '\0' ? "" : meaning->hint + ProxyHint();
+    std::string hint = meaning == nullptr || *meaning->hint == '\0' ? "" : meaning->hint + ProxyHint();
+    if (*purpose.whenTaken != '\0' && SaysItExists(text)) {
+        hint = std::string(" (names carry the clock's second: ") + purpose.whenTaken + ")";
+    }
     return {ExitFailed, "array " + address + ": " + explained + hint, address};
 }
 
