@@ -448,6 +448,7 @@ TEST_F(KorvelctlTest, AnAccessKeyIsReadFromWhateverAnEditorOrShellMakes) {
                                                  {"\xFF\xFE" + wide, 0},
                                                  {"\xFE\xFF" + swapped, 0},
                                                  {std::string("\xFF\xFE\x20\x26", 4), 1},
+                                                 {wide, 1},
                                                  {"", 64},
                                                  {std::string(100000, 'k'), 64}};
     for (const auto& [bytes, status] : files) {

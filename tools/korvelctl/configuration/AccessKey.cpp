@@ -54,7 +54,12 @@ std::string ReadFromFile(const std::string& path) {
     }
     bytes.resize(static_cast<std::size_t>(file.gcount()));
     const std::string text = WithoutEncoding(path, bytes);
-    return text.substr(0, text.find_first_of("\r\n"));
+    std::string line = text.substr(0, text.find_first_of("\r\n"));
+    if (line.find('\0') != std::string::npos) {
+        throw Failure(ExitFailed, "the key file '" + path +
+                                      "' is no text, or UTF-16 without a byte-order mark: store the key as UTF-8");
+    }
+    return line;
 }
 
 std::string ReadFromInput() {

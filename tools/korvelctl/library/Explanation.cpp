@@ -63,7 +63,7 @@ std::string ProxyHint() {
             if (const std::size_t host = shown.rfind('@'); host != std::string::npos) {
                 shown.erase(0, host + 1);  // before it may stand a password
             }
-            return std::string("; the environment's ") + name + " leads to " + shown + ": is the array in no_proxy?";
+            return std::string(" (the environment's ") + name + " leads to " + shown + ": is the array in no_proxy?)";
         }
     }
     return {};

@@ -42,8 +42,10 @@ void CatchInterruptions() {
 #else
     struct sigaction action {};
     action.sa_handler = Remember;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);  // and not SA_RESTART: reading from a terminal has to end
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // Whoever ends a group of processes or loses a terminal often sends its signal twice; a person means the second
+        // one. And not SA_RESTART: reading from a terminal has to end.
+        action.sa_flags = signal == SIGINT ? static_cast<int>(SA_RESETHAND) : 0;
         struct sigaction before {};
         if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
