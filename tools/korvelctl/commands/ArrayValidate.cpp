@@ -1,6 +1,5 @@
 #include <KorvelAccessLibrary.h>
 
-#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -26,9 +25,8 @@ struct Options {
 
 std::string ConfiguredKey(const std::string& address) {
     const Configuration configuration = ReadConfiguration();
-    const auto array = std::find_if(configuration.arrays.begin(), configuration.arrays.end(),
-                                    [&address](const ConfiguredArray& entry) { return entry.address == address; });
-    if (array == configuration.arrays.end()) {
+    const ConfiguredArray* array = configuration.Find(address);
+    if (array == nullptr) {
         throw configuration.faults.empty()
             ? Failure(ExitNotFound,
                       "no array " + address + " is configured: give its access key with --key-file or --key-stdin")

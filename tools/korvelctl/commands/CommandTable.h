@@ -12,7 +12,7 @@ namespace Korvel::Ctl {
 /// @param line receives what the parser reads; has to outlive it
 void DeclareCommands(CLI::App& program, CommandLine& line);
 
-/// \name The commands, each in a source file of its own.
+/// \name The commands.
 /// @{
 void AddArrayList(CLI::App& family, CommandLine& line);
 void AddArrayValidate(CLI::App& family, CommandLine& line);

@@ -2,6 +2,8 @@
 
 #include <KorvelAccessLibrary.h>
 
+#include <algorithm>
+
 #include "outcome/Failure.h"
 #include "text/ArgumentCheck.h"
 
@@ -32,6 +34,12 @@ void JudgeKey(ConfiguredArray& array) {
 }
 
 }  // namespace
+
+const ConfiguredArray* Configuration::Find(const std::string& address) const {
+    const auto found = std::find_if(arrays.begin(), arrays.end(),
+                                    [&address](const ConfiguredArray& array) { return array.address == address; });
+    return found == arrays.end() ? nullptr : &*found;
+}
 
 std::string Configuration::FirstFault() const {
     if (!faults.empty()) {

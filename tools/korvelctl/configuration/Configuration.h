@@ -22,6 +22,9 @@ struct Configuration {
     std::vector<ConfiguredArray> arrays;
     std::vector<std::string> faults;  ///< what is wrong with the source as a whole; no array is known then
 
+    /// @return the array with this address, or null
+    const ConfiguredArray* Find(const std::string& address) const;
+
     /// @return the first fault with its place, or an empty text
     std::string FirstFault() const;
 };

@@ -59,10 +59,8 @@ void Session::UseDiscovered(const Configuration& configuration) {
     layer.GetArrays(discovered);
     for (KArray* array : discovered) {
         const std::string address = AddressOf(*array);
-        const auto entry =
-            std::find_if(configuration.arrays.begin(), configuration.arrays.end(),
-                         [&address](const ConfiguredArray& candidate) { return candidate.address == address; });
-        if (entry != configuration.arrays.end() && !entry->accessKey.empty()) {
+        const ConfiguredArray* entry = configuration.Find(address);
+        if (entry != nullptr && !entry->accessKey.empty()) {
             arrays.push_back(std::make_shared<KArray>(address, entry->accessKey));
         }
     }

@@ -35,7 +35,7 @@ public:
     virtual void Row(const std::vector<std::string>& cells) = 0;
 
     /// Writes what stands below the rows. Called once.
-    virtual void End(const std::vector<Problem>& problems, ExitStatus status) = 0;
+    virtual void End(const std::vector<Problem>& /*problems*/, ExitStatus /*status*/) {}
 };
 
 }  // namespace Korvel::Ctl

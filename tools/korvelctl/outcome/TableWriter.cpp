@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "outcome/ExitStatus.h"
-#include "outcome/Problem.h"
 #include "text/DisplayWidth.h"
 #include "text/Printable.h"
 
@@ -65,7 +63,5 @@ void TableWriter::Line(const std::vector<std::string>& cells, bool coloured) {
     }
     output << line << '\n';
 }
-
-void TableWriter::End(const std::vector<Problem>& /*problems*/, ExitStatus /*status*/) {}
 
 }  // namespace Korvel::Ctl

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "outcome/ExitStatus.h"
-#include "outcome/Problem.h"
 #include "outcome/RowWriter.h"
 
 namespace Korvel::Ctl {
@@ -22,7 +20,6 @@ public:
     void Begin(const std::vector<Column>& columns, const std::string& sentence,
                const std::vector<std::vector<std::string>>& firstRows) override;
     void Row(const std::vector<std::string>& cells) override;
-    void End(const std::vector<Problem>& problems, ExitStatus status) override;
 
 private:
     void Line(const std::vector<std::string>& cells, bool coloured);

@@ -49,6 +49,4 @@ void TsvWriter::Row(const std::vector<std::string>& cells) {
     output << line << '\n';
 }
 
-void TsvWriter::End(const std::vector<Problem>& /*problems*/, ExitStatus /*status*/) {}
-
 }  // namespace Korvel::Ctl
