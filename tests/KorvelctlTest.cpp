@@ -271,7 +271,8 @@ TEST_F(KorvelctlTest, WhatAnArrayDidIsShownAlsoWhenAnotherFails) {
     simulator.Reset();
     simulator.Arm({{"kind", "status"}, {"status", 500}, {"array", 1}});
     const Result registered = Run("server find iqn.new --array {A} --array {B}");
-    EXPECT_THAT(registered, EndsWith(3, HasSubstr(simulator.Address(1))));
+    EXPECT_THAT(registered, EndsWith(3, AllOf(HasSubstr(simulator.Address(1)),
+                                              HasSubstr(simulator.Address() + " has registered the host iqn.new\n"))));
     EXPECT_THAT(registered.out, HasSubstr(simulator.Address(0) + "  iqn.new"));
 
     simulator.Reset();

@@ -33,12 +33,9 @@ void Run(const Options& options, Report& report) {
                       "arrays with --array, or look with 'korvelctl server list'");
     }
     report.SetColumns({{"Array", "array"}, {"Initiator name", "iqn"}, {"Server ID", "serverId"}});
-    FindOrRegisterServer(
-        session.Arrays(), options.iqn,
-        [&](const SharedArray& array, const std::string& id) {
-            report.AddRow({AddressOf(*array), options.iqn, id});
-        },
-        [&report](const Failure& failure) { report.AddProblem(failure); });
+    FindOrRegisterServer(session.Arrays(), options.iqn, report, [&](const SharedArray& array, const std::string& id) {
+        report.AddRow({AddressOf(*array), options.iqn, id});
+    });
 }
 
 }  // namespace

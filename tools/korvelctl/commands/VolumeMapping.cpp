@@ -1,5 +1,6 @@
 #include <KorvelAccessLibrary.h>
 
+#include <optional>
 #include <string>
 
 #include "commands/Command.h"
@@ -33,6 +34,17 @@ struct Mapping {
     int (KArray::*operation)(const std::string& volName, const std::string& serverID);
 };
 
+/// @return the array's identifier of the host; none when the report was told why
+std::optional<std::string> ServerOf(const Options& options, const SharedArray& array, Report& report) {
+    if (options.iqn.empty()) {
+        return options.server;
+    }
+    std::optional<std::string> found;
+    FindOrRegisterServer({array}, options.iqn, report,
+                         [&found](const SharedArray&, const std::string& id) { found = id; });
+    return found;
+}
+
 void Change(const Options& options, Report& report, const Mapping& mapping) {
     if (options.iqn.empty()) {
         CheckBodyText("server ID", options.server);
@@ -45,7 +57,11 @@ void Change(const Options& options, Report& report, const Mapping& mapping) {
     const std::string address = found.Address();
     CheckBodyText("volume name", found.volume.name);
     CheckPath("volume name", address, DetachPath, found.volume.name);
-    const std::string server = options.iqn.empty() ? options.server : FindOrRegisterServer(found.array, options.iqn);
+    const std::optional<std::string> known = ServerOf(options, found.array, report);
+    if (!known) {
+        return;
+    }
+    const std::string& server = *known;
     CheckBodyText("server ID", server);
     CheckPath("server ID", address, AttachPath, server);
 

@@ -6,13 +6,15 @@
 #include "library/Explanation.h"
 #include "library/Listing.h"
 #include "library/Purpose.h"
+#include "outcome/ExitStatus.h"
+#include "outcome/Failure.h"
 #include "text/ArgumentCheck.h"
 
 namespace Korvel::Ctl {
 
-void FindOrRegisterServer(const std::vector<SharedArray>& arrays, const std::string& iqn,
-                          const std::function<void(const SharedArray&, const std::string&)>& take,
-                          const std::function<void(const Failure&)>& miss) {
+void FindOrRegisterServer(const std::vector<SharedArray>& arrays, const std::string& iqn, Report& report,
+                          const std::function<void(const SharedArray&, const std::string&)>& take) {
+    const auto miss = [&report](const Failure& failure) { report.AddProblem(failure); };
     CheckBodyText("initiator name", iqn);
     std::vector<SharedArray> unknowing;
     AskAll<std::optional<std::string>>(
@@ -38,15 +40,12 @@ void FindOrRegisterServer(const std::vector<SharedArray>& arrays, const std::str
                            AddressOf(array), purpose);
             answering.Put(id);
         },
-        take, miss);
-}
-
-std::string FindOrRegisterServer(const SharedArray& array, const std::string& iqn) {
-    std::string found;
-    FindOrRegisterServer(
-        {array}, iqn, [&found](const SharedArray&, const std::string& id) { found = id; },
-        [](const Failure& failure) { throw failure; });
-    return found;
+        [&](const SharedArray& array, const std::string& id) {
+            const std::string address = AddressOf(*array);
+            report.AddProblem({"array " + address + " has registered the host " + iqn, ExitDone, address});
+            take(array, id);
+        },
+        miss);
 }
 
 }  // namespace Korvel::Ctl

@@ -5,21 +5,15 @@
 #include <vector>
 
 #include "library/Ask.h"
-#include "outcome/Failure.h"
+#include "outcome/Report.h"
 
 namespace Korvel::Ctl {
 
 /// Finds a host on arrays by its iSCSI initiator name; an array registers a host that it does not know. Each array is
 /// looked at first, so that a failure before anything changed can be told from one after.
+/// @param report is told why an array has no identifier for the host, and which array has registered it
 /// @param take takes an array and its identifier of the host
-/// @param miss takes the Failure of an array
-void FindOrRegisterServer(const std::vector<SharedArray>& arrays, const std::string& iqn,
-                          const std::function<void(const SharedArray&, const std::string&)>& take,
-                          const std::function<void(const Failure&)>& miss);
-
-/// Finds or registers a host on one array.
-/// @return the array's identifier of the host
-/// @throws Failure
-std::string FindOrRegisterServer(const SharedArray& array, const std::string& iqn);
+void FindOrRegisterServer(const std::vector<SharedArray>& arrays, const std::string& iqn, Report& report,
+                          const std::function<void(const SharedArray&, const std::string&)>& take);
 
 }  // namespace Korvel::Ctl
