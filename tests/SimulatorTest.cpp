@@ -117,6 +117,8 @@ TEST_F(SimulatorTest, RefusesInTheCommandsOwnElementAndChangesNothing) {
         {"POST", set, "snapshots_set_1_name=\xc0\xaf&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
          "not allowed"},
         {"POST", set, "snapshots_set_1_name=\xff&snapshots_set_1_cg=cg-00000001", "create-snapshot-set", "not allowed"},
+        {"POST", set, "snapshots_set_1_name=a\x01&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
+         "not allowed"},
         {"POST", set, "snapshots_set_1_name=\x8c\x8c&snapshots_set_1_cg=cg-00000001", "create-snapshot-set",
          "not allowed"},
         {"DELETE", "/api/snapshots/nix", "", "delete-snapshot", "nix does not exist"},
@@ -176,6 +178,7 @@ TEST_F(SimulatorTest, TakesAReplacedStateAndSetsOfThousandsOfVolumes) {
 
 TEST_F(SimulatorTest, FaultsHitTheRequestsTheyAreMeantFor) {
     const std::string whole = Send("GET", "/api/drives").body;
+    EXPECT_THAT(whole, HasSubstr("<disk><name>1.1</name><health>OK</health></disk>"));
     struct Case {
         json fault;
         CURLcode result;
@@ -235,6 +238,8 @@ TEST_F(SimulatorTest, AGlobIsTheShapeOfAPath) {
         {"/[a-c]pi/drives", "/api/drives", true},
         {"/[!a-c]pi/drives", "/api/drives", false},
         {"/[x!-]pi", "/-pi", true},
+        {"/[a-]pi", "/-pi", true},
+        {"/[!a]pi", "/!pi", true},
         {"/[]a]pi", "/]pi", true},
         {"/[api", "/[api", true},
         {"", "/api", false},
@@ -255,6 +260,25 @@ TEST_F(SimulatorTest, ConnectionsEndBeforeTheirFirstRequest) {
         EXPECT_EQ(simulator.UnfiredFaults(), json::array());
         EXPECT_EQ(Send("GET", "/api/drives", "", 1).status, 200);
     }
+}
+
+TEST_F(SimulatorTest, AFaultIsShownAsItWasArmed) {
+    const json cases[] = {
+        {{"kind", "status"}, {"status", 503}, {"body", "x"}, {"array", 1}, {"method", "GET"}, {"path", "/a"}},
+        {{"kind", "redirect"}, {"status", 307}, {"location", "/x"}, {"glob", "/api/*"}, {"execute", true}},
+        {{"kind", "cut"}, {"keep", 3}, {"hold", 2}, {"reset", true}, {"port", 1}, {"delay", 5}},
+        {{"kind", "drip"}, {"pause", 1}, {"step", 2}},
+        {{"kind", "connection"}, {"handshake", "garbage"}, {"hold", 1}},
+    };
+    json armed = json::array();
+    for (json fault : cases) {
+        fault.update({{"skip", 3}, {"count", 2}});
+        fault["id"] = simulator.Arm(fault);
+        fault["fired"] = 0;
+        armed.push_back(fault);
+    }
+    EXPECT_EQ(simulator.UnfiredFaults(), armed);
+    simulator.ClearFaults();
 }
 
 TEST_F(SimulatorTest, RefusesFaultsThatMakeNoSense) {
