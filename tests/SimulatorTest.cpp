@@ -357,6 +357,7 @@ TEST_F(SimulatorTest, JournalHoldsWhatCameOverTheWire) {
     ASSERT_EQ(entries.size(), 3U);
     EXPECT_EQ(entries[0].method, "POST");
     EXPECT_EQ(entries[0].target, "/api/a%41/../b");
+    EXPECT_EQ(entries[0].version, "HTTP/1.1");
     EXPECT_EQ(entries[0].body, std::string("x=\xfe%41&\0", 8));
     EXPECT_EQ(entries[0].array, 1U);
     EXPECT_EQ(entries[0].headers.front(), std::make_pair(std::string("Host"), simulator.Address(1)));
