@@ -56,25 +56,28 @@ std::string KorvelctlTest::Filled(std::string arguments) const {
 
 Result KorvelctlTest::Run(const std::string& arguments, const std::string& input) {
     simulator.ClearJournal();
-    return Execute(arguments, input, "run");
+    WriteFile(OwnFile("run.in"), input);
+    return Execute(arguments, "run");
 }
 
 std::vector<Result> KorvelctlTest::RunAtOnce(const std::vector<std::string>& arguments) {
     simulator.ClearJournal();
+    const auto nameOf = [](std::size_t number) { return "run" + std::to_string(number); };
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        // Before any of them starts: on Windows a program inherits a file that another thread has open.
+        WriteFile(OwnFile(nameOf(i) + ".in"), "");
+    }
     std::vector<std::future<Result>> runs;
-    for (const std::string& line : arguments) {
-        runs.push_back(std::async(std::launch::async, [this, line, name = "run" + std::to_string(runs.size())] {
-            return Execute(line, "", name);
-        }));
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        runs.push_back(std::async(std::launch::async, [&, i] { return Execute(arguments[i], nameOf(i)); }));
     }
     std::vector<Result> results;
     std::transform(runs.begin(), runs.end(), std::back_inserter(results), [](auto& run) { return run.get(); });
     return results;
 }
 
-Result KorvelctlTest::Execute(const std::string& arguments, const std::string& input, const std::string& name) {
+Result KorvelctlTest::Execute(const std::string& arguments, const std::string& name) {
     const std::string file = OwnFile(name);
-    WriteFile(file + ".in", input);
     const std::string line =
         KorvelctlCommand() + " " + Filled(arguments) + " <" + file + ".in >" + file + ".out 2>" + file + ".err";
     // NOLINTBEGIN(cert-env33-c): the shell redirects on both systems

@@ -63,7 +63,7 @@ protected:
     TestRegistry registry;
 
 private:
-    Result Execute(const std::string& arguments, const std::string& input, const std::string& name);
+    Result Execute(const std::string& arguments, const std::string& name);
 
     std::string folder;
 };
