@@ -51,6 +51,7 @@ void JsonWriter::EndList() {
 
 void JsonWriter::Row(const std::vector<std::string>& cells) {
     std::string object;
+    object.reserve(UsualLength);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         object.append(beginnings[i]).append(Quoted(cells[i]));
     }

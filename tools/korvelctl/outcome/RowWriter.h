@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,9 @@
 #include "outcome/Problem.h"
 
 namespace Korvel::Ctl {
+
+/// Room for a row that is no extraordinary one.
+inline constexpr std::size_t UsualLength = 256;
 
 /// One column of a report: its heading for people and its key for scripts.
 struct Column {

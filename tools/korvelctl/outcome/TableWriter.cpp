@@ -49,6 +49,7 @@ void TableWriter::Row(const std::vector<std::string>& cells) {
 
 void TableWriter::Line(const std::vector<std::string>& cells, bool coloured) {
     std::string line;
+    line.reserve(UsualLength);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::string text = Printable(cells[i]);
         if (coloured && !goodStates[i].empty()) {

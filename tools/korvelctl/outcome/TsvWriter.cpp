@@ -1,5 +1,6 @@
 #include "outcome/TsvWriter.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "text/Printable.h"
@@ -11,7 +12,7 @@ namespace {
 std::string Escaped(std::string_view text) {
     constexpr std::string_view special = "\\\t\n\r";
     constexpr std::string_view letters = "\\tnr";
-    if (text.find_first_of(special) == std::string_view::npos) {
+    if (std::none_of(text.begin(), text.end(), [](char character) { return character < ' ' || character == '\\'; })) {
         return Printable(text);  // as nearly every text of a long list
     }
     std::string escaped;
@@ -42,6 +43,7 @@ void TsvWriter::Begin(const std::vector<Column>& columns, const std::string& /*s
 
 void TsvWriter::Row(const std::vector<std::string>& cells) {
     std::string line;
+    line.reserve(UsualLength);
     for (const std::string& cell : cells) {
         line += &cell == &cells.front() ? "" : "\t";
         line += Escaped(cell);
