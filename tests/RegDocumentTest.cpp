@@ -106,10 +106,10 @@ TEST(RegistryFile, BuildsTheHierarchyInTheOrderOfTheFile) {
 
 TEST(RegistryFile, ReadsTheEditorsEncodings) {
     const std::u16string text =
-        u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\K]\r\n\"a\"=\"\u00e4\U0001F511\"\r\n";
-    const std::string expected("\xc3\xa4\xf0\x9f\x94\x91\0", 7);
+        u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\K]\r\n\"a\"=\"\u00e4\U0010FFFD\"\r\n";
+    const std::string expected("\xc3\xa4\xf4\x8f\xbf\xbd\0", 7);
     EXPECT_EQ(Value(Load("\xff\xfe" + Utf16(text)), "K", "a"), expected);
-    const std::string utf8 = header + "[HKEY_LOCAL_MACHINE\\K]\r\n\"a\"=\"\xc3\xa4\xf0\x9f\x94\x91\"";
+    const std::string utf8 = header + "[HKEY_LOCAL_MACHINE\\K]\r\n\"a\"=\"\xc3\xa4\xf4\x8f\xbf\xbd\"";
     EXPECT_EQ(Value(Load(utf8), "K", "a"), expected);
     EXPECT_EQ(Value(Load("\xef\xbb\xbf" + utf8), "K", "a"), expected);
 
