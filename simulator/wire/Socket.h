@@ -27,6 +27,9 @@ void LimitWaiting(socket_t socket, std::chrono::seconds patience);
 /// `patience`.
 bool WaitForBytes(socket_t socket, std::chrono::seconds patience);
 
+/// Receives bytes. Returns how many were there, 0 at the end, or -1.
+ssize_t ReceiveBytes(socket_t socket, char* bytes, int count);
+
 /// Sends bytes; a connection that has ended is an error and no signal. Returns how many were sent, or -1.
 ssize_t SendBytes(socket_t socket, const char* bytes, int count);
 

@@ -32,6 +32,10 @@ bool Socket::WaitForBytes(socket_t socket, std::chrono::seconds patience) {
     return poll(&waiting, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) > 0;
 }
 
+ssize_t Socket::ReceiveBytes(socket_t socket, char* bytes, int count) {
+    return recv(socket, bytes, static_cast<std::size_t>(count), 0);
+}
+
 ssize_t Socket::SendBytes(socket_t socket, const char* bytes, int count) {
     return send(socket, bytes, static_cast<std::size_t>(count), MSG_NOSIGNAL);
 }

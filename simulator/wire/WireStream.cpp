@@ -78,7 +78,7 @@ void WireStream::Reset() {
 
 void WireStream::SwallowHello() const {
     char bytes[16384];
-    static_cast<void>(recv(descriptor, bytes, sizeof bytes, 0));
+    Socket::ReceiveBytes(descriptor, bytes, sizeof bytes);
 }
 
 void WireStream::SendUnsealed(const std::string& bytes) const {
@@ -97,7 +97,7 @@ ssize_t WireStream::read(char* ptr, size_t size) {
         return -1;
     }
     const ssize_t count =
-        session ? SSL_read(session.get(), ptr, Limited(size)) : recv(descriptor, ptr, Limited(size), 0);
+        session ? SSL_read(session.get(), ptr, Limited(size)) : Socket::ReceiveBytes(descriptor, ptr, Limited(size));
     if (count > 0) {
         KeepHead(ptr, static_cast<std::size_t>(count));
     } else {
