@@ -1,4 +1,5 @@
-// The file that stands in for the registry, read by the library and changed by korvelctl.
+// The file that stands in for the registry, read by the library and changed by korvelctl: an input of even length loses
+// the array, one of odd length gets it a new key.
 
 #include <cstddef>
 #include <cstdint>
@@ -68,9 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const Korvel::KRegError&) {
         return 0;
     }
-    for (const bool remove : {false, true}) {
-        file.Write(text);
-        Korvel::Fuzz::Change(file, text, remove);
-    }
+    file.Write(text);
+    Korvel::Fuzz::Change(file, text, size % 2 == 0);
     return 0;
 }

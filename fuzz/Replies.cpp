@@ -71,14 +71,16 @@ std::string Read(char choice, const std::string& reply) {
     return all;
 }
 
-std::string Outcome(char choice, const std::string& reply) {
+void Try(char choice, const std::string& reply) {
+    std::string read;
     try {
-        return Read(choice, reply);
-    } catch (const KException& error) {
-        return error.ErrorText();
-    } catch (const std::invalid_argument& error) {
-        return error.what();
+        read = Read(choice, reply);
+    } catch (const KException&) {
+        return;
+    } catch (const std::invalid_argument&) {
+        return;
     }
+    Require(Read(choice, reply) == read, "a reply says the same when it is read again");
 }
 
 }  // namespace
@@ -88,8 +90,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     xmlSetGenericErrorFunc(nullptr, Korvel::Fuzz::KeepQuiet);
     std::string input(reinterpret_cast<const char*>(data), size);
     const char choice = input.empty() ? 'v' : input.front();
-    const std::string reply = input.substr(input.empty() ? 0 : 1);
-    Korvel::Fuzz::Require(Korvel::Fuzz::Outcome(choice, reply) == Korvel::Fuzz::Outcome(choice, reply),
-                          "a reply says the same when it is read again");
+    Korvel::Fuzz::Try(choice, input.substr(input.empty() ? 0 : 1));
     return 0;
 }
