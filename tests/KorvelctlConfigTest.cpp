@@ -192,8 +192,11 @@ TEST_F(KorvelctlTest, NoChangeOfTheRegistryFileIsLostAndNoneIsHalf) {
     }
     const std::string before = ReadFile(RegistryPath());
     EXPECT_NE(shell("trap '' XFSZ; ulimit -f 0; " + add + " 10.0.0.9 >/dev/null 2>&1"), 0) << "as on a full disk";
+    const std::string place = fs::path(RegistryPath()).parent_path();
+    EXPECT_NE(shell("flock " + place + " " + add + " 10.0.0.9 --timeout 0.2 2>" + OwnFile("err")), 0);
+    EXPECT_THAT(ReadFile(OwnFile("err")), HasSubstr("has not ended within 0.2 s; nothing was changed"));
     EXPECT_EQ(ReadFile(RegistryPath()), before);
-    EXPECT_EQ(std::distance(fs::directory_iterator(fs::path(RegistryPath()).parent_path()), {}), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(place), {}), 1);
 }
 
 TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {

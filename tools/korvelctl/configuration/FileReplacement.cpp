@@ -6,12 +6,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
+#include "crew/Patience.h"
 #include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
 
@@ -40,13 +43,14 @@ FileReplacement::FileReplacement(const std::string& filePath) : path(filePath) {
         std::filesystem::create_directory(resolved.parent_path(), error);
     }
     folder = open(std::filesystem::path(path).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0 || flock(folder, LOCK_EX) != 0) {
-        const int reason = errno;
-        if (folder >= 0) {
-            close(folder);
-        }
-        errno = reason;
+    if (folder < 0) {
         Fail("its folder cannot be used");
+    }
+    try {
+        Lock();
+    } catch (...) {
+        close(folder);
+        throw;
     }
 }
 
@@ -86,6 +90,22 @@ void FileReplacement::Commit() {
     temporary.clear();
     if (fsync(folder) != 0) {
         Fail("it was replaced, but that may not last if the power fails now");
+    }
+}
+
+void FileReplacement::Lock() const {
+    constexpr std::chrono::milliseconds lookAgain(
+        50);  // an interruption just before a wait without end would be missed
+    while (flock(folder, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK) {
+            Fail("its folder cannot be used");
+        }
+        if (Patience::IsOver()) {
+            throw Failure(Patience::WasInterrupted() ? ExitInterrupted : ExitFailed,
+                          path + ": another program that changes it has not ended " + Patience::Reason() +
+                              "; nothing was changed");
+        }
+        std::this_thread::sleep_for(lookAgain);
     }
 }
 

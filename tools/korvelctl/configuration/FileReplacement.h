@@ -9,9 +9,10 @@ namespace Korvel::Ctl {
 /// owner stays who it is.
 class FileReplacement {
 public:
-    /// Waits for others that replace files of the folder. A link is followed: what it leads to is replaced.
+    /// Waits for others that replace files of the folder, with Patience. A link is followed: what it leads to is
+    /// replaced.
     /// @param filePath the file; it need not be there, its folder is made if the one above is there
-    /// @throws Failure when the folder cannot be used
+    /// @throws Failure when the folder cannot be used, or not in time
     explicit FileReplacement(const std::string& filePath);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
@@ -30,6 +31,7 @@ public:
     void Commit();
 
 private:
+    void Lock() const;
     [[noreturn]] void Fail(const std::string& what) const;
     void KeepOwner(int file) const;
 
