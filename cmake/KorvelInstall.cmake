@@ -46,9 +46,12 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/korvel-access-library.pc DESTINATION $
 
 if(WIN32)
     install(FILES README.md CHANGELOG.md SECURITY.md packaging/korvel-sample.reg DESTINATION .)
-    install(DIRECTORY docs DESTINATION .)
+    install(DIRECTORY docs examples DESTINATION .)
     set(CPACK_GENERATOR ZIP)
     set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-windows-x64)
+    if(MSVC)
+        string(APPEND CPACK_PACKAGE_FILE_NAME -msvc)
+    endif()
     set(CPACK_STRIP_FILES ON)
     include(CPack)
 else()

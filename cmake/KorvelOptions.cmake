@@ -4,6 +4,8 @@ add_library(KorvelOptions INTERFACE)
 if(MSVC)
     target_compile_options(KorvelOptions INTERFACE /W4 /utf-8 /guard:cf $<$<BOOL:${KORVEL_WARNINGS_AS_ERRORS}>:/WX>)
     target_link_options(KorvelOptions INTERFACE /guard:cf /CETCOMPAT)
+    # getenv is standard C++, and min and max are no macros.
+    target_compile_definitions(KorvelOptions INTERFACE _CRT_SECURE_NO_WARNINGS NOMINMAX)
 else()
     # GCC 12 warns of overlapping copies inside its own std::string (-Wrestrict) when it optimizes.
     target_compile_options(KorvelOptions INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion

@@ -101,7 +101,7 @@ HRESULT ProviderClient::OnUnload(bool forced) {
 HRESULT ProviderClient::AreLunsSupported(const Ids& ids, bool& supported) {
     Luns luns(ids);
     std::vector<VSS_PWSZ> devices(ids.size());
-    WINBOOL answer = FALSE;
+    BOOL answer = FALSE;
     const HRESULT result = provider->AreLunsSupported(luns.Count(), 0, devices.data(), luns.Data(), &answer);
     supported = answer != FALSE;
     return result;

@@ -50,7 +50,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID interfaceId, void**
     }
 }
 
-HRESULT ClassFactory::LockServer(WINBOOL lock) {
+HRESULT ClassFactory::LockServer(BOOL lock) {
     locks += lock ? 1 : -1;
     return S_OK;
 }

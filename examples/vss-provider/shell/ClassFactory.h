@@ -13,7 +13,7 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override;
     ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID interfaceId, void** object) override;
-    HRESULT STDMETHODCALLTYPE LockServer(WINBOOL lock) override;
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
 
     /// @return whether a client wants the library to stay
     static bool IsLocked();

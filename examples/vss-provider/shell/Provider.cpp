@@ -2,6 +2,7 @@
 
 #include <vsserror.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
@@ -121,17 +122,17 @@ HRESULT Provider::OnLoad(IUnknown* /*callback*/) {
     return Guarded(true, [&] { core.OnLoad(); });
 }
 
-HRESULT Provider::OnUnload(WINBOOL forced) {
+HRESULT Provider::OnUnload(BOOL forced) {
     return Guarded(true, [&] { threadsLeft = !core.OnUnload(forced != FALSE) || threadsLeft; });
 }
 
 HRESULT Provider::AreLunsSupported(LONG count, LONG /*context*/, VSS_PWSZ* /*devices*/, VDS_LUN_INFORMATION* luns,
-                                   WINBOOL* supported) {
+                                   BOOL* supported) {
     return Guarded(count > 0 && luns != nullptr && supported != nullptr,
                    [&] { *supported = core.AreLunsSupported(IdsOf(count, luns)) ? TRUE : FALSE; });
 }
 
-HRESULT Provider::FillInLunInfo(VSS_PWSZ /*device*/, VDS_LUN_INFORMATION* lun, WINBOOL* supported) {
+HRESULT Provider::FillInLunInfo(VSS_PWSZ /*device*/, VDS_LUN_INFORMATION* lun, BOOL* supported) {
     return Guarded(lun != nullptr && supported != nullptr,
                    [&] { *supported = core.AreLunsSupported(IdsOf(1, lun)) ? TRUE : FALSE; });
 }

@@ -32,11 +32,11 @@ public:
     ULONG STDMETHODCALLTYPE Release() override;
 
     HRESULT STDMETHODCALLTYPE OnLoad(IUnknown* callback) override;
-    HRESULT STDMETHODCALLTYPE OnUnload(WINBOOL forced) override;
+    HRESULT STDMETHODCALLTYPE OnUnload(BOOL forced) override;
 
     HRESULT STDMETHODCALLTYPE AreLunsSupported(LONG count, LONG context, VSS_PWSZ* devices, VDS_LUN_INFORMATION* luns,
-                                               WINBOOL* supported) override;
-    HRESULT STDMETHODCALLTYPE FillInLunInfo(VSS_PWSZ device, VDS_LUN_INFORMATION* lun, WINBOOL* supported) override;
+                                               BOOL* supported) override;
+    HRESULT STDMETHODCALLTYPE FillInLunInfo(VSS_PWSZ device, VDS_LUN_INFORMATION* lun, BOOL* supported) override;
     HRESULT STDMETHODCALLTYPE BeginPrepareSnapshot(VSS_ID set, VSS_ID snapshot, LONG context, LONG count,
                                                    VSS_PWSZ* devices, VDS_LUN_INFORMATION* luns) override;
     HRESULT STDMETHODCALLTYPE GetTargetLuns(LONG count, VSS_PWSZ* devices, VDS_LUN_INFORMATION* sources,
