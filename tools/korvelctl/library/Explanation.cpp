@@ -107,12 +107,13 @@ std::string Explain(const std::exception& error) {
 
 Failure FailureOf(const std::string& address, const Purpose& purpose, const std::exception& error) {
     const std::string explained = Explain(error);
-    if (purpose.IsChange() && MayHaveBeenDone(error)) {
-        return Unknown(address, purpose, explained);
-    }
     const std::string text = TextOf(error);
     const Meaning* meaning = MeaningOf(text);
-    std::string hint = meaning == nullptr || *meaning->hint == '\0' ? "" : meaning->hint + ProxyHint();
+    const bool unreached = meaning != nullptr && *meaning->hint != '\0';
+    if (purpose.IsChange() && MayHaveBeenDone(error)) {
+        return Unknown(address, purpose, explained + (unreached ? ProxyHint() : ""));
+    }
+    std::string hint = unreached ? meaning->hint + ProxyHint() : "";
     if (*purpose.whenTaken != '\0' && SaysItExists(text)) {
         hint = std::string(" (names carry the clock's second: ") + purpose.whenTaken + ")";
     }

@@ -18,7 +18,8 @@ inline constexpr ExitMeaning ExitMeanings[] = {
     {ExitNotFound, "not found: no array has what was asked for", "not-found"},
     {ExitPartial, "done in part: something is shown, and something failed", "partial"},
     {ExitDeclined, "declined at the prompt; nothing was changed", "declined"},
-    {ExitWrongUsage, "wrong usage, or no telling what is meant; nothing was changed", "usage"},
+    {ExitWrongUsage, "wrong usage, or no telling what is meant; nothing was changed, save what a notice tells",
+     "usage"},
     {ExitOutcomeUnknown, "outcome unknown: a change was asked for and not answered", "outcome-unknown"},
     {ExitInterrupted, "interrupted with no change under way", "interrupted"},
 };
