@@ -61,3 +61,15 @@ check_packages=(clang clang-format clang-tidy libclang-rt-14-dev llvm ccache she
 use_compiler_cache() {
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 }
+
+# check_published LIBRARY EXPORTED: of the names that a library exports, the published classes and the exception have to be
+# there, and nothing else.
+check_published() {
+    local surplus wanted
+    surplus=$(grep -vE '^(vtable for |typeinfo for |typeinfo name for )?Korvel::(KAccessLayer|KArray|KVolume|KException)(::|$)' \
+        <<<"$2" || true)
+    [ -z "$surplus" ] || fail "$1 exports more than it should: $surplus"
+    for wanted in 'KAccessLayer::KAccessLayer()' KArray::CloneVolume KVolume::CreateSnapshotSet KException::ErrorText; do
+        grep -qF "Korvel::$wanted" <<<"$2" || fail "$1 does not export $wanted"
+    done
+}
