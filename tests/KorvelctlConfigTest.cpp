@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 
@@ -75,6 +77,67 @@ TEST_F(KorvelctlTest, TheConfigurationCheckFindsWhatIsHardlyMeant) {
         registry.Remove(value.address);
     }
     EXPECT_EQ(Run("config check").status, 0);
+}
+
+TEST_F(KorvelctlTest, AnAccessKeyIsReadFromWhateverAnEditorOrShellMakes) {
+    const std::string key = simulator.Key();
+    std::string wide;
+    for (const char character : key + "\r\n") {
+        wide += {character, '\0'};
+    }
+    std::string swapped;
+    for (const char character : key) {
+        swapped += {'\0', character};
+    }
+    const std::pair<std::string, int> files[] = {{key, 0},
+                                                 {key + "\r\nsecond line", 0},
+                                                 {"\xEF\xBB\xBF" + key + "\n", 0},
+                                                 {"\xFF\xFE" + wide, 0},
+                                                 {"\xFE\xFF" + swapped, 0},
+                                                 {std::string("\xFF\xFE\x20\x26", 4), 1},
+                                                 {wide, 1},
+                                                 {"", 64},
+                                                 {std::string(100000, 'k'), 64}};
+    for (const auto& [bytes, status] : files) {
+        WriteFile(OwnFile("key"), bytes);
+        EXPECT_EQ(Run("array validate {A} --key-file " + OwnFile("key")).status, status) << bytes.substr(0, 50);
+    }
+    EXPECT_THAT(Run("array validate {A} --key-file x --key-stdin"), EndsWith(64, HasSubstr("--key-stdin")));
+}
+
+TEST_F(KorvelctlTest, TheConfigurationCheckNamesEveryFault) {
+    // An address that every registry lists last: the library stops at the first entry it cannot use.
+    const auto key = [this](const std::string& text) { registry.SetText("99.0.0.9", "AccessKey", text); };
+    const auto check = [this](int status, const std::string& shown) {
+        EXPECT_THAT(Run("config check"), EndsWith(status, HasSubstr(shown)));
+    };
+    const auto listing = [this](int status) {  // the library must not end the process
+        const Result result = Run("array list");
+        EXPECT_EQ(result.status, status) << result.err;
+        EXPECT_THAT(result.out, status == 3 ? HasSubstr(simulator.Address()) : HasSubstr(""));
+    };
+    check(0, simulator.Address(1) + "  in order");
+    registry.AddArray("99.0.0.9");
+    check(1, "99.0.0.9: the AccessKey value is missing");
+    listing(3);
+    key("");
+    check(1, "99.0.0.9: the access key is empty");
+    key(std::string(242, 'k'));
+    check(1, "at most 241");
+    listing(1);
+    registry.SetBytes("99.0.0.9", "AccessKey", 3, std::vector<unsigned char>(257, 'k'));
+    check(1, "larger than 256 bytes");
+    listing(3);
+    EXPECT_THAT(Run("volume find --name mail-1-0003"), EndsWith(3, HasSubstr("'korvelctl config check'")));
+    registry.Remove("99.0.0.9");
+    registry.SetText(std::string(233, 'a'), "AccessKey", "key");
+    check(1, "at most 232");
+    listing(1);
+    registry.Clear();
+    check(1, "HwProvider");
+    registry.AddRoot();
+    check(0, "names no array");
+    EXPECT_EQ(Run("volume find --name a").status, 1);
 }
 
 #if !defined(_WIN32)
@@ -221,6 +284,13 @@ TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {
     std::filesystem::permissions(RegistryPath(), std::filesystem::perms(0644));
     EXPECT_THAT(Run("config check"), EndsWith(1, HasSubstr("other users can read the file")));
     EXPECT_THAT(Run("config check --json").out, HasSubstr("other users can read the file"));
+}
+
+TEST_F(KorvelctlTest, TheConfigurationCheckNamesFileLineAndFault) {
+    std::ofstream(RegistryPath(), std::ios::app) << "\"AccessKey\"=\"unfinished\n";
+    const std::string text = ReadFile(RegistryPath());
+    const auto line = std::to_string(std::count(text.begin(), text.end(), '\n'));
+    EXPECT_THAT(Run("config check").err, HasSubstr(RegistryPath() + ":" + line + ": "));
 }
 
 #endif

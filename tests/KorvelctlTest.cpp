@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "support/Korvelctl.h"
@@ -446,32 +445,6 @@ TEST_F(KorvelctlTest, AnArrayThatHangsHoldsUpNobody) {
     EXPECT_THAT(Run("volume list --timeout 0"), EndsWith(64, HasSubstr("--timeout")));
 }
 
-TEST_F(KorvelctlTest, AnAccessKeyIsReadFromWhateverAnEditorOrShellMakes) {
-    const std::string key = simulator.Key();
-    std::string wide;
-    for (const char character : key + "\r\n") {
-        wide += {character, '\0'};
-    }
-    std::string swapped;
-    for (const char character : key) {
-        swapped += {'\0', character};
-    }
-    const std::pair<std::string, int> files[] = {{key, 0},
-                                                 {key + "\r\nsecond line", 0},
-                                                 {"\xEF\xBB\xBF" + key + "\n", 0},
-                                                 {"\xFF\xFE" + wide, 0},
-                                                 {"\xFE\xFF" + swapped, 0},
-                                                 {std::string("\xFF\xFE\x20\x26", 4), 1},
-                                                 {wide, 1},
-                                                 {"", 64},
-                                                 {std::string(100000, 'k'), 64}};
-    for (const auto& [bytes, status] : files) {
-        WriteFile(OwnFile("key"), bytes);
-        EXPECT_EQ(Run("array validate {A} --key-file " + OwnFile("key")).status, status) << bytes.substr(0, 50);
-    }
-    EXPECT_THAT(Run("array validate {A} --key-file x --key-stdin"), EndsWith(64, HasSubstr("--key-stdin")));
-}
-
 TEST_F(KorvelctlTest, TheLogGoesWhereItIsTold) {
     const std::string log = OwnFile("log");
     EXPECT_THAT(Run("volume list --log-level 2").err, HasSubstr("Array IP: "));
@@ -486,53 +459,6 @@ TEST_F(KorvelctlTest, TheLogGoesWhereItIsTold) {
     EXPECT_THAT(open.err, HasSubstr("other users can read the log file"));
 #endif
 }
-
-TEST_F(KorvelctlTest, TheConfigurationCheckNamesEveryFault) {
-    // An address that every registry lists last: the library stops at the first entry it cannot use.
-    const auto key = [this](const std::string& text) { registry.SetText("99.0.0.9", "AccessKey", text); };
-    const auto check = [this](int status, const std::string& shown) {
-        EXPECT_THAT(Run("config check"), EndsWith(status, HasSubstr(shown)));
-    };
-    const auto listing = [this](int status) {  // the library must not end the process
-        const Result result = Run("array list");
-        EXPECT_EQ(result.status, status) << result.err;
-        EXPECT_THAT(result.out, status == 3 ? HasSubstr(simulator.Address()) : HasSubstr(""));
-    };
-    check(0, simulator.Address(1) + "  in order");
-    registry.AddArray("99.0.0.9");
-    check(1, "99.0.0.9: the AccessKey value is missing");
-    listing(3);
-    key("");
-    check(1, "99.0.0.9: the access key is empty");
-    key(std::string(242, 'k'));
-    check(1, "at most 241");
-    listing(1);
-    registry.SetBytes("99.0.0.9", "AccessKey", 3, std::vector<unsigned char>(257, 'k'));
-    check(1, "larger than 256 bytes");
-    listing(3);
-    EXPECT_THAT(Run("volume find --name mail-1-0003"), EndsWith(3, HasSubstr("'korvelctl config check'")));
-    registry.Remove("99.0.0.9");
-    registry.SetText(std::string(233, 'a'), "AccessKey", "key");
-    check(1, "at most 232");
-    listing(1);
-    registry.Clear();
-    check(1, "HwProvider");
-    registry.AddRoot();
-    check(0, "names no array");
-    EXPECT_EQ(Run("volume find --name a").status, 1);
-}
-
-#if !defined(_WIN32)
-TEST_F(KorvelctlTest, TheConfigurationCheckNamesFileLineAndFault) {
-    const char* configured = std::getenv("KORVEL_REGISTRY");
-    ASSERT_NE(configured, nullptr);
-    const std::string file = configured;
-    std::ofstream(file, std::ios::app) << "\"AccessKey\"=\"unfinished\n";
-    const std::string text = ReadFile(file);
-    const auto line = std::to_string(std::count(text.begin(), text.end(), '\n'));
-    EXPECT_THAT(Run("config check").err, HasSubstr(std::string(file).append(":").append(line).append(": ")));
-}
-#endif
 
 }  // namespace
 }  // namespace Korvel::Testing

@@ -94,8 +94,8 @@ void FileReplacement::Commit() {
 }
 
 void FileReplacement::Lock() const {
-    constexpr std::chrono::milliseconds lookAgain(
-        50);  // an interruption just before a wait without end would be missed
+    // An interruption just before a wait without end would be missed.
+    constexpr std::chrono::milliseconds lookAgain(50);
     while (flock(folder, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK) {
             Fail("its folder cannot be used");
