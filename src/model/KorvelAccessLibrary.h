@@ -20,6 +20,9 @@
 /// (https://, address and path) or an API path of more than KMaxUrlLength characters, an access key of more than
 /// KMaxAccessKeyLength, an address in the registry of more than KMaxAddressLength. Check names before they get here.
 ///
+/// Standard texts, lists and exceptions cross this interface: build the caller with the library's own compiler and
+/// standard library; on Windows with its runtime, too (the MinGW-w64 DLL does not serve Visual Studio).
+///
 /// What looks wrong but is kept on purpose carries a name after "Kept:"; docs/kept-behaviour.md tells more.
 
 #include <list>

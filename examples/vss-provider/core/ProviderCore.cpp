@@ -4,144 +4,20 @@
 
 #include <algorithm>
 #include <ctime>
-#include <future>
 #include <list>
 #include <thread>
 #include <utility>
 
-namespace VssExample {
+#include "core/LibraryCalls.h"
+#include "core/LibraryUse.h"
 
+namespace VssExample {
 namespace {
 
 using Kind = ProviderError::Kind;
 using State = SnapshotSet::State;
-using Clock = std::chrono::steady_clock;
-
-/// What the library's exceptions say: a KException keeps its text apart from what().
-std::string TextOf(const std::exception& error) {
-    const auto* failure = dynamic_cast<const Korvel::KException*>(&error);
-    return failure == nullptr ? error.what() : failure->ErrorText();
-}
-
-/// A status other than success is a failure without a text of its own.
-void RequireSuccess(int status, const std::string& what) {
-    if (status != Korvel::KStatusSuccess) {
-        throw ProviderError(Kind::Veto, what + ": the array's reply held no answer");
-    }
-}
-
-/// The volume that an earlier search has brought into the array's memory.
-Korvel::KVolume& KnownVolume(Korvel::KArray& array, const std::string& id) {
-    Korvel::KVolume* volume = nullptr;
-    if (array.GetVolumeByID(id, volume) != Korvel::KStatusSuccess) {
-        throw ProviderError(Kind::NotFound, "volume " + id + " is not known any more");
-    }
-    return *volume;
-}
-
-void DeleteSnapshot(Korvel::KArray& array, const std::string& sourceId, std::string snapshot) {
-    RequireSuccess(KnownVolume(array, sourceId).DeleteSnapshot(snapshot), "deleting snapshot " + snapshot);
-}
-
-/// The library's state of the process, which all providers in it share. One that leaves a thread behind never ends its
-/// use: the library stays as it is for that thread.
-class LibraryUse {
-public:
-    void Begin() {
-        const std::lock_guard lock(mutex);
-        if (users++ == 0) {
-            Korvel::KAccessLayer::GlobalInit();
-        }
-    }
-    void End() {
-        const std::lock_guard lock(mutex);
-        if (--users == 0) {
-            Korvel::KAccessLayer::GlobalCleanup();
-        }
-    }
-
-private:
-    std::mutex mutex;
-    int users = 0;
-};
-
-LibraryUse library;
 
 }  // namespace
-
-/// A volume that was looked for.
-struct ProviderCore::Found {
-    std::string array;  ///< empty when no array has it
-    std::string volume;
-    std::string group;
-};
-
-/// The snapshots of one set on one array. The worker's task shares it, because it may end after everybody has given up
-/// on it: then it removes by itself what it has made.
-struct ProviderCore::Commit {
-    std::string array;
-    std::vector<SnapshotItem*> items;  // the set's, of use only to who waits for the task
-    std::string anySource;             // a volume of the array: snapshots are deleted through one
-    std::list<std::string> volumes;    // the names of all
-    std::list<std::string> groups;
-    std::mutex mutex;
-    bool ended = false;
-    bool abandoned = false;
-    std::list<std::string> taken;
-    std::string failure;
-
-    bool IsAbandoned() {
-        const std::lock_guard lock(mutex);
-        return abandoned;
-    }
-    void Take(Korvel::KArray& onArray);
-    void RemoveTaken(Korvel::KArray& onArray, const Log& log);
-};
-
-/// The one request while writers hold still.
-void ProviderCore::Commit::Take(Korvel::KArray& onArray) {
-    std::list<std::string*> volumeNames;
-    std::list<std::string*> groupNames;
-    std::transform(volumes.begin(), volumes.end(), std::back_inserter(volumeNames),
-                   [](std::string& name) { return &name; });
-    std::transform(groups.begin(), groups.end(), std::back_inserter(groupNames),
-                   [](std::string& name) { return &name; });
-    std::list<std::string> names;
-    std::string text;
-    try {
-        RequireSuccess(Korvel::KVolume::CreateSnapshotSet(&onArray, volumeNames, groupNames, &names),
-                       "the snapshot set");
-        if (names.size() != volumes.size()) {
-            text =
-                "the array reports " + std::to_string(names.size()) + " snapshots of " + std::to_string(volumes.size());
-        }
-    } catch (const std::exception& error) {
-        text = TextOf(error);
-    }
-    const std::lock_guard lock(mutex);
-    taken = std::move(names);
-    failure = text;
-    ended = true;
-}
-
-/// Removes what the array reports to have taken. A reply that was lost names nothing: then only the log can tell.
-void ProviderCore::Commit::RemoveTaken(Korvel::KArray& onArray, const Log& log) {
-    if (taken.empty()) {
-        std::string names;
-        for (const std::string& volume : volumes) {
-            names += " " + volume;
-        }
-        log("array " + array + " has not named the snapshots of its set (" + failure + "): it may hold some of" +
-            names + ", whose display names end in _ and the volume's name");
-    }
-    for (const std::string& snapshot : taken) {
-        try {
-            DeleteSnapshot(onArray, anySource, snapshot);
-        } catch (const std::exception& error) {
-            log("array " + array + " keeps snapshot " + snapshot + ": " + TextOf(error));
-        }
-    }
-}
 
 ProviderCore::ProviderCore(Log log, std::function<std::string()> initiatorName, Patience patience)
     : writeLog(std::move(log)), hostInitiator(std::move(initiatorName)), waits(patience) {}
@@ -155,7 +31,7 @@ void ProviderCore::OnLoad() {
     if (loaded) {
         return;
     }
-    library.Begin();
+    BeginLibraryUse();
     loaded = true;
     Korvel::KAccessLayer layer;
     if (layer.DiscoverArrays() != Korvel::KStatusSuccess) {
@@ -187,7 +63,7 @@ bool ProviderCore::OnUnload(bool forced) {
     servers.clear();
     loaded = false;
     if (ended) {
-        library.End();  // never while a request runs
+        EndLibraryUse();  // never while a request runs
     }
     return ended;
 }
@@ -201,56 +77,14 @@ ArrayWorker& ProviderCore::WorkerOf(const std::string& address) {
     return **found;
 }
 
-/// Asks all arrays at once, either what they remember or the arrays themselves.
-ProviderCore::Found ProviderCore::Find(const std::string& id, bool onArrays) {
-    struct Search {
-        std::shared_ptr<Found> result;
-        std::future<void> done;
-    };
-    std::vector<Search> searches;
-    for (const auto& worker : workers) {
-        const auto result = std::make_shared<Found>();
-        searches.push_back({result, worker->Post([=, address = worker->Address()](Korvel::KArray& array) {
-                                Korvel::KVolume* volume =
-                                    nullptr;  // null: a search on the array tells a miss by this pointer
-                                const int status = onArrays ? array.GetVolumeByIDFromArray(id, volume)
-                                                            : array.GetVolumeByID(id, volume);
-                                if (status == Korvel::KStatusSuccess && volume != nullptr) {
-                                    volume->GetVolumeName(result->volume);
-                                    volume->GetCgID(result->group);
-                                    result->array = address;
-                                }
-                            })});
-    }
-    Found found;
-    const auto deadline = Clock::now() + waits.ordinary;
-    for (std::size_t at = 0; at < searches.size(); ++at) {
-        try {
-            if (!workers[at]->Await(searches[at].done, deadline)) {
-                throw ProviderError(Kind::Veto, "it does not answer");
-            }
-            searches[at].done.get();
-            found = searches[at].result->array.empty() ? found : *searches[at].result;
-        } catch (const std::exception& error) {
-            writeLog("array " + workers[at]->Address() + " could not be searched for " + id + ": " + TextOf(error));
-        }
-    }
-    return found;
-}
-
-/// Memory first, then the arrays.
-ProviderCore::Found ProviderCore::FindAnywhere(const std::string& id) {
-    if (id.empty()) {
-        return {};
-    }
-    const Found known = Find(id, false);
-    return known.array.empty() ? Find(id, true) : known;
+FoundVolume ProviderCore::Find(const std::string& id) const {
+    return FindVolume(workers, id, waits.ordinary, writeLog);
 }
 
 bool ProviderCore::AreLunsSupported(const std::vector<std::string>& ids) {
     const std::lock_guard lock(mutex);
     return !ids.empty() &&
-           std::all_of(ids.begin(), ids.end(), [&](const std::string& id) { return !FindAnywhere(id).array.empty(); });
+           std::all_of(ids.begin(), ids.end(), [&](const std::string& id) { return !Find(id).array.empty(); });
 }
 
 SnapshotSet& ProviderCore::Require(const std::string& setId, State state, const char* call) {
@@ -275,7 +109,7 @@ void ProviderCore::BeginPrepareSnapshot(const std::string& setId, const std::str
     }
     std::vector<SnapshotItem> items;
     for (const std::string& id : ids) {
-        const Found found = FindAnywhere(id);
+        const FoundVolume found = Find(id);
         if (found.array.empty()) {
             throw ProviderError(Kind::NotFound, "LUN " + id + " is a volume of no array that is configured");
         }
@@ -300,7 +134,7 @@ std::string ProviderCore::FindThisHost(const std::string& address, const std::st
     WorkerOf(address).Run(
         [server, initiator](Korvel::KArray& array) {
             if (array.GetServerIDByIQN(initiator, *server) != Korvel::KStatusSuccess) {
-                RequireSuccess(array.GetServerIDByIQNFromArray(initiator, *server), "registering this host");
+                RequireDone(array.GetServerIDByIQNFromArray(initiator, *server), "registering this host");
             }
         },
         waits.ordinary);
@@ -351,36 +185,12 @@ void ProviderCore::AwaitFreshNames(const SnapshotSet& set) {
 void ProviderCore::CommitSnapshots(const std::string& setId) {
     const std::lock_guard lock(mutex);
     SnapshotSet& set = Require(setId, State::Ready, "CommitSnapshots");
-    std::vector<std::shared_ptr<Commit>> commits;
-    for (SnapshotItem& item : set.items) {
-        auto commit =
-            std::find_if(commits.begin(), commits.end(), [&](const auto& of) { return of->array == item.array; });
-        if (commit == commits.end()) {
-            commits.push_back(std::make_shared<Commit>());
-            commit = std::prev(commits.end());
-            (*commit)->array = item.array;
-        }
-        (*commit)->items.push_back(&item);
-        (*commit)->anySource = item.sourceId;
-        (*commit)->volumes.push_back(item.volume);
-        (*commit)->groups.push_back(item.group);
-    }
-    std::vector<std::future<void>> answers;  // not in the commits: a future holds its task, and that the commit
-    answers.reserve(commits.size());
-    for (const auto& commit : commits) {
-        answers.push_back(WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
-            if (!commit->IsAbandoned()) {  // it may have waited for its turn behind another request that hung
-                commit->Take(array);
-            }
-            const std::lock_guard taken(commit->mutex);
-            if (commit->abandoned && commit->ended) {
-                log("array " + commit->array + " has answered too late: its snapshots are removed");
-                commit->RemoveTaken(array, log);
-            }
-        }));
-    }
     try {
-        FinishCommit(set, commits, answers);
+        std::map<std::string, ArrayCommit> commits;
+        for (SnapshotItem& item : set.items) {
+            commits.try_emplace(item.array, WorkerOf(item.array), writeLog).first->second.Add(item);
+        }
+        TakeSnapshots(commits);
         set.taken = std::time(nullptr);
         set.state = State::Committed;
     } catch (const std::exception&) {
@@ -388,32 +198,20 @@ void ProviderCore::CommitSnapshots(const std::string& setId) {
     }
 }
 
-/// Waits for the snapshots of all arrays, as long as writers can hold still, and gives up on the others.
-void ProviderCore::FinishCommit(SnapshotSet& set, const std::vector<std::shared_ptr<Commit>>& commits,
-                                const std::vector<std::future<void>>& answers) {
-    const auto deadline = Clock::now() + waits.commit;
+/// On all arrays at once, and no longer than writers can hold still.
+void ProviderCore::TakeSnapshots(std::map<std::string, ArrayCommit>& commits) {
+    for (auto& [address, commit] : commits) {
+        commit.Begin();
+    }
+    const auto deadline = std::chrono::steady_clock::now() + waits.commit;
+    for (auto& [address, commit] : commits) {
+        commit.Await(deadline);
+    }
     std::string failures;
-    for (std::size_t at = 0; at < commits.size(); ++at) {
-        WorkerOf(commits[at]->array).Await(answers[at], deadline);
+    for (auto& [address, commit] : commits) {
+        failures += commit.Finish();
     }
-    for (const auto& commit : commits) {
-        const std::lock_guard lock(commit->mutex);
-        if (!commit->ended) {
-            commit->abandoned = true;
-            failures += "; array " + commit->array + " does not answer in time";
-        } else if (!commit->failure.empty()) {
-            failures += "; array " + commit->array + ": " + commit->failure;
-            WorkerOf(commit->array).Post([commit, log = writeLog](Korvel::KArray& array) {
-                commit->RemoveTaken(array, log);
-            });
-        } else {
-            auto snapshot = commit->taken.begin();  // the array names them in the order of the volumes
-            for (SnapshotItem* item : commit->items) {
-                item->snapshot = *snapshot++;
-            }
-        }
-    }
-    if (!failures.empty() || set.items.empty()) {
+    if (!failures.empty() || commits.empty()) {
         throw ProviderError(Kind::Veto, "the snapshots could not be taken" + failures);
     }
 }
@@ -425,7 +223,7 @@ void ProviderCore::Clone(SnapshotItem& item) {
             .Run(
                 [made](Korvel::KArray& array) {
                     Korvel::KVolume* clone = nullptr;
-                    RequireSuccess(array.CloneVolume(made->group, made->snapshot, clone), "cloning " + made->snapshot);
+                    RequireDone(array.CloneVolume(made->group, made->snapshot, clone), "cloning " + made->snapshot);
                     clone->GetVolumeName(made->clone);
                     std::string* id = nullptr;
                     clone->GetVolumeID(id);  // the IEEE identifier, as after a search for it
@@ -434,7 +232,7 @@ void ProviderCore::Clone(SnapshotItem& item) {
                 waits.ordinary);
     } catch (const std::exception& error) {
         writeLog("array " + item.array + " may keep a volume whose display name begins with " + item.snapshot +
-                 "_: " + TextOf(error));
+                 "_: " + ReasonOf(error));
         throw;
     }
     item = *made;
@@ -491,11 +289,9 @@ void ProviderCore::LocateLuns(const std::vector<std::string>& targets) {
         item.server = servers[item.array];  // before the request: a reply that is lost may have mapped it
         try {
             WorkerOf(item.array)
-                .Run(
-                    [clone = item.clone, server = item.server](Korvel::KArray& array) {
-                        RequireSuccess(array.AttachVolume(clone, server), "mapping " + clone);
-                    },
-                    waits.ordinary);
+                .Run([clone = item.clone, server = item.server](
+                         Korvel::KArray& array) { RequireDone(array.AttachVolume(clone, server), "mapping " + clone); },
+                     waits.ordinary);
         } catch (const std::exception&) {
             UndoAndRethrow(std::string(place.set->first));
         }
@@ -529,9 +325,9 @@ void ProviderCore::Remove(const SnapshotItem& item) {
     };
     const Step steps[] = {
         {item.server, "the mapping of volume " + item.clone,
-         [item](Korvel::KArray& array) { RequireSuccess(array.DetachVolume(item.clone, item.server), "unmapping"); }},
+         [item](Korvel::KArray& array) { RequireDone(array.DetachVolume(item.clone, item.server), "unmapping"); }},
         {item.clone, "volume " + item.clone,
-         [item](Korvel::KArray& array) { RequireSuccess(array.DeleteVolume(item.clone), "deleting"); }},
+         [item](Korvel::KArray& array) { RequireDone(array.DeleteVolume(item.clone), "deleting"); }},
         {item.snapshot, "snapshot " + item.snapshot,
          [item](Korvel::KArray& array) { DeleteSnapshot(array, item.sourceId, item.snapshot); }},
     };
@@ -542,7 +338,7 @@ void ProviderCore::Remove(const SnapshotItem& item) {
         try {
             WorkerOf(item.array).Run(step.task, waits.ordinary);
         } catch (const std::exception& error) {
-            writeLog("array " + item.array + " may keep " + step.what + ": " + TextOf(error));
+            writeLog("array " + item.array + " may keep " + step.what + ": " + ReasonOf(error));
         }
     }
 }
@@ -580,7 +376,7 @@ void ProviderCore::UndoAndRethrow(const std::string& setId) {
         throw;
     } catch (const std::exception& error) {
         Undo(setId);
-        throw ProviderError(Kind::Veto, TextOf(error));
+        throw ProviderError(Kind::Veto, ReasonOf(error));
     }
 }
 

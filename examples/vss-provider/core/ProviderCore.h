@@ -2,16 +2,18 @@
 
 #include <chrono>
 #include <functional>
-#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "core/ArrayCommit.h"
 #include "core/ArrayWorker.h"
+#include "core/Log.h"
 #include "core/ProviderError.h"
 #include "core/SnapshotSet.h"
+#include "core/VolumeSearch.h"
 
 namespace VssExample {
 
@@ -30,9 +32,6 @@ public:
         /// Everything else.
         std::chrono::milliseconds ordinary{60000};
     };
-
-    /// Writes a line for the administrator. It may be called from several threads at once.
-    using Log = std::function<void(const std::string&)>;
 
     /// @param log where lines for the administrator go
     /// @param initiatorName tells the host's iSCSI initiator name (IQN); asked when a set is prepared
@@ -88,22 +87,18 @@ public:
     void AbortSnapshots(const std::string& setId);
 
 private:
-    struct Found;
-    struct Commit;
     struct Place {
         std::map<std::string, SnapshotSet>::iterator set;
         std::vector<SnapshotItem>::iterator item;
     };
 
     ArrayWorker& WorkerOf(const std::string& address);
-    Found Find(const std::string& id, bool onArrays);
-    Found FindAnywhere(const std::string& id);
+    FoundVolume Find(const std::string& id) const;
     SnapshotSet& Require(const std::string& setId, SnapshotSet::State state, const char* call);
     std::string FindThisHost(const std::string& address, const std::string& initiator);
     Place PlaceOf(const std::string& target);
     void AwaitFreshNames(const SnapshotSet& set);
-    void FinishCommit(SnapshotSet& set, const std::vector<std::shared_ptr<Commit>>& commits,
-                      const std::vector<std::future<void>>& answers);
+    void TakeSnapshots(std::map<std::string, ArrayCommit>& commits);
     void Clone(SnapshotItem& item);
     void Remove(const SnapshotItem& item);
     void UndoUnfinished(bool forced);

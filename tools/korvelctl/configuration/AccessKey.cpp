@@ -9,6 +9,7 @@
 #include "crew/Patience.h"
 #include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
+#include "terminal/Answer.h"
 #include "terminal/Interruption.h"
 #include "terminal/System.h"
 #include "text/ArgumentCheck.h"

@@ -1,5 +1,7 @@
 #include "outcome/Format.h"
 
+#include <cstdlib>
+
 #include "outcome/JsonWriter.h"
 #include "outcome/TableWriter.h"
 #include "outcome/TsvWriter.h"
@@ -14,7 +16,9 @@ std::unique_ptr<RowWriter> Make(std::ostream& output) {
 }
 
 std::unique_ptr<RowWriter> MakeTable(std::ostream& output) {
-    return std::make_unique<TableWriter>(output, OutputTakesColour());
+    const char* refused = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): nothing changes it then
+    const bool coloured = (refused == nullptr || *refused == '\0') && OutputCanColour();
+    return std::make_unique<TableWriter>(output, coloured);
 }
 
 struct Format {

@@ -5,11 +5,17 @@
 #include "crew/Patience.h"
 #include "outcome/ExitStatus.h"
 #include "outcome/Failure.h"
+#include "terminal/Answer.h"
 #include "terminal/Interruption.h"
 #include "terminal/System.h"
 #include "text/Printable.h"
 
 namespace Korvel::Ctl {
+namespace {
+
+constexpr std::size_t LongestAnswer = 64;
+
+}  // namespace
 
 void RequireConfirmable(bool yes) {
     if (!yes && !InputIsTerminal()) {

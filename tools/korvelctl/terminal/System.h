@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 namespace Korvel::Ctl {
@@ -17,23 +18,22 @@ bool InputIsTerminal();
 /// @return whether standard error is a terminal
 bool ErrorIsTerminal();
 
-/// @return whether standard output is a terminal that shows colours, and the environment's NO_COLOR does not refuse
-/// them
-bool OutputTakesColour();
+/// @return whether standard output is a terminal that shows colours
+bool OutputCanColour();
+
+/// The columns of a terminal that does not tell.
+inline constexpr std::size_t UsualWidth = 80;
 
 /// @return how many columns a line of standard error's terminal has, as it is now; at least one
 std::size_t ErrorWidth();
 
-/// The longest line that an answer to a question may have.
-inline constexpr std::size_t LongestAnswer = 64;
+/// Reads one byte from standard input.
+/// @return whether there was one before the end, an error or an interruption
+bool ReadByte(char& byte);
 
-/// Reads one line from standard input, up to a bound. Ends without one when the program is interrupted.
-/// @param bound what is longer is cut one character after it, so that the caller sees that it is longer
-/// @return the line without its end; empty when there is none
-std::string ReadLine(std::size_t bound);
-
-/// Asks for a line that the terminal does not show, and reads it as ReadLine does.
-std::string ReadSecret(const std::string& prompt, std::size_t bound);
+/// Drops what has been typed and not been read, and lets the terminal show nothing of what follows.
+/// @return shows it again when it goes
+std::shared_ptr<void> HideTyping();
 
 /// Sets an environment variable of this process, for the libraries it loads.
 void SetEnvironment(const std::string& name, const std::string& value);

@@ -1,12 +1,7 @@
-#include "terminal/Interruption.h"
-
 #include <atomic>
-
-#if defined(_WIN32)
-#include <windows.h>
-#else
 #include <csignal>
-#endif
+
+#include "terminal/Interruption.h"
 
 namespace Korvel::Ctl {
 namespace {
@@ -14,32 +9,13 @@ namespace {
 std::atomic<bool> interrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
 
-#if defined(_WIN32)
-
-BOOL WINAPI Remember(DWORD event) {
-    if (interrupted.exchange(true)) {
-        return FALSE;  // the second time: the system ends the process
-    }
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
-        Sleep(INFINITE);  // the console is going: the system ends the process as soon as this returns
-    }
-    return TRUE;
-}
-
-#else
-
 void Remember(int /*signal*/) {
     interrupted = true;
 }
 
-#endif
-
 }  // namespace
 
 void CatchInterruptions() {
-#if defined(_WIN32)
-    SetConsoleCtrlHandler(Remember, TRUE);
-#else
     struct sigaction action {};
     action.sa_handler = Remember;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -51,7 +27,6 @@ void CatchInterruptions() {
             sigaction(signal, &action, nullptr);
         }
     }
-#endif
 }
 
 bool Interrupted() {
