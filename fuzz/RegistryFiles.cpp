@@ -1,13 +1,16 @@
-// The file that stands in for the registry, read by the library and changed by korvelctl: an input of even length loses
-// the array, one of odd length gets it a new key.
+// The file that stands in for the registry, read by the library, checked and changed by korvelctl: an input of even
+// length loses the array, one of odd length gets it a new key.
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "Require.h"
 #include "TextFile.h"
+#include "configuration/Configuration.h"
+#include "configuration/Inspection.h"
 #include "configuration/RegistryText.h"
 #include "foundation/registry/regfile/KRegDocument.h"
 #include "foundation/registry/regfile/KRegEncoding.h"
@@ -56,6 +59,15 @@ void Change(const TextFile& file, const std::string& text, bool remove) {
             "the array is there, or gone");
 }
 
+/// What `config check` says of a file that the library reads, or does not.
+void Check(const TextFile& file, bool isReadable) {
+    setenv("KORVEL_REGISTRY", file.Path().c_str(), 1);
+    const Ctl::Configuration configuration = Ctl::ReadConfiguration();
+    Require(isReadable || !configuration.faults.empty(), "what the library cannot read has a fault");
+    Ctl::Inspect(configuration);
+    Ctl::InspectSource(configuration);
+}
+
 }  // namespace
 }  // namespace Korvel::Fuzz
 
@@ -67,8 +79,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const Korvel::KRegDocument document(file.Path());
         text = Korvel::KRegEncoding::Read(file.Path());
     } catch (const Korvel::KRegError&) {
+        Korvel::Fuzz::Check(file, false);
         return 0;
     }
+    Korvel::Fuzz::Check(file, true);
     file.Write(text);
     Korvel::Fuzz::Change(file, text, size % 2 == 0);
     return 0;

@@ -63,10 +63,11 @@ std::string Read(char choice, const std::string& reply) {
     }
     std::string all = std::to_string(status) + texts[0] + '\n' + texts[1] + '\n' + texts[2];
     for (const KVolumeRecord& volume : volumes) {
-        all += '\n' + volume.name + '\t' + volume.displayName + '\t' + volume.ieeeID + '\t' + volume.cgName;
+        all += '\n' + volume.productID + '\t' + volume.name + '\t' + volume.displayName + '\t' + volume.ieeeID + '\t' +
+               volume.cgName;
     }
     for (const KSnapshotRecord& snapshot : snapshots) {
-        all += '\n' + snapshot.displayName;
+        all += '\n' + snapshot.name + '\t' + snapshot.displayName;
     }
     return all;
 }

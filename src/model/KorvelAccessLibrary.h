@@ -7,8 +7,8 @@
 /// a pointer that is handed out points into an object that the library owns and stays valid until its owner is
 /// destroyed. An empty text that an operation needs throws std::invalid_argument, and so does a null pointer where the
 /// operation says so; any other pointer must not be null. A failure of the transport, the HTTP status, the array or the
-/// registry throws KException, a lack of memory std::bad_alloc. A failure leaves lists and arguments as they were,
-/// unless the operation says otherwise.
+/// registry throws KException. So does a lack of memory within libcurl or libxml2 that stops it at once; any other
+/// throws std::bad_alloc. A failure leaves lists and arguments as they were, unless the operation says otherwise.
 ///
 /// An exception does not mean that nothing happened: the array may have carried out a command whose reply was lost or
 /// could not be read. Each command says what to look for.
@@ -77,8 +77,9 @@ public:
 
     /// Creates one array for every address configured in the registry. Addresses that are already present are not
     /// skipped; Refresh is the operation for a second look.
-    /// @return 0, or 1 when the registry could not be read or a key is empty: `korvelctl config check` names the cause,
-    ///         of which the log shows no more than that there is one. The arrays created before it stay
+    /// @return 0, or 1 when the registry could not be read, a key is empty or memory lacks: `korvelctl config check`
+    ///         names the cause, of which the log shows no more than that there is one. The arrays created before it
+    ///         stay
     int DiscoverArrays();
 
     /// Adds an array for every address in the registry that no array of this layer has. Removes none and re-reads no
@@ -276,8 +277,9 @@ public:
     /// @param cgNames the volumes' consistency groups in the same order; what has no partner in the other list is
     ///        ignored
     /// @param snapNames receives, at its end, the snapshot names that the array reports, also those of a set that the
-    ///        array then calls failed; not null, which is the caller's duty. They come in the reply's order: nothing
-    ///        ties a name to its volume, nor is their number compared with that of the pairs
+    ///        array then calls failed, or that were read before an exception; not null, which is the caller's duty.
+    ///        They come in the reply's order: nothing ties a name to its volume, nor is their number compared with that
+    ///        of the pairs
     /// @return 0, or 1 when the reply held no answer
     /// @throws std::invalid_argument when a name of a pair is empty or null; nothing is sent then
     /// @throws KException when the request fails or the array refuses

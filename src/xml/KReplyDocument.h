@@ -31,8 +31,9 @@ public:
     /// Reads the reply and evaluates the expression.
     /// @param reply the reply's whole body; read where it lies
     /// @param expression the XPath expression, zero-terminated
-    /// @throws KException when the reply is not well-formed or too long, or the expression cannot be evaluated
-    /// @throws std::bad_alloc when libxml2 had no memory to read it whole
+    /// @throws KException when the reply is not well-formed or too long, or the expression cannot be evaluated, for
+    ///         lack of memory, too
+    /// @throws std::bad_alloc when libxml2 had no memory to read it whole and reports that only aside
     void Read(const std::string& reply, const char* expression);
 
     /// @return the selected nodes in document order; empty when there are none

@@ -110,12 +110,17 @@ int ReadResponse(Scene& s, int action) {
     CommandResponse answer;
     answer.snapshotNames = &s.names;
     const int status = s.connection->ParseResponseXML(response, "//x", action, answer);
-    s.texts[0] = answer.status == "0" && answer.statusMsg == "a<b" ? std::move(answer.name) : "wrong";
+    if (answer.status != "0" || answer.statusMsg != "a<b") {
+        return 99;
+    }
+    if (action != 0) {
+        s.texts[0] = std::move(answer.name);
+    }
     return status;
 }
 
 std::unique_ptr<KServer> Server() {
-    return std::make_unique<KServer>("srv-00000001", "iqn.known", "10.20.0.1");
+    return std::make_unique<KServer>("an identifier of some length", "iqn.known", "10.20.0.1");
 }
 
 /// Appends as a caller has to: what was not taken is still the caller's.
@@ -143,17 +148,18 @@ Scene::Scene(const std::string& arrayAddress, const std::string& arrayKey)
     : address(arrayAddress),
       key(arrayKey),
       array(address, key),
-      volume(new KVolume("prod-1", "vol-00000001", "sql-data-1-0001", "cg-00000001")),
+      volume(new KVolume("prod-1", "a name of some length", "a display name of some length", "cg-00000001")),
       layerCopy(KAccessLayer()),
       arrayCopy(array),
       volumeCopy(*volume) {
-    auto* const second = new KVolume("prod-3", "vol-00000003", "third", "cg-00000003");
+    auto* const second = new KVolume("prod-3", "vol-00000003", "third", "a group's name of some length");
     for (KVolume* known : {volume, second}) {
         known->SetArray(&array);
         array.AddVolumeToList(known);
     }
     Add(array, &KArray::AddServerToList, Server());
     volume->AddCreatedSnapshot("snap-00000001");
+    volume->SetLatestSnapshotID("a snapshot's name of some length");
     array.GetConnection(connection);
     volume->AddCreatedSnapshot("snap-older");
     // The copies hold less than what is assigned to them, and other things.
@@ -173,11 +179,13 @@ std::string Scene::Known() const {
 }
 
 std::string Scene::Given() const {
-    std::string shown = (found == nullptr ? "-" : Shown(*found)) + (own == nullptr ? "-" : *own);
-    shown += '|' + Shown(List<KArray*>(layer)) + Shown(arrays);
+    std::string shown;
     for (const std::string& text : texts) {
-        shown += text.empty() ? "" : '|' + text;  // so that what comes in part is the beginning of the whole
+        shown += text + '|';
     }
+    shown += (found == nullptr ? "-" : Shown(*found)) + (own == nullptr ? "-" : *own);
+    shown += '|' + Shown(arrays) + '|' + Shown(List<KArray*>(layer));
+    // What can come in part stands at the end: then a part is the beginning of the whole.
     for (const std::string& name : names) {
         shown += ';' + name;
     }
@@ -205,7 +213,7 @@ const std::vector<Call>& Calls() {
         {"KAccessLayer::operator=", [](Scene& s) { return s.layerCopy.object = s.layer, 0; }},
         {"KAccessLayer::DiscoverArrays", [](Scene& s) { return s.layer.DiscoverArrays(); }, {}, true, 1},
         {"KAccessLayer::Refresh", [](Scene& s) { return s.layer.Refresh(); }, {}, true, 1},
-        {"KAccessLayer::GetArrays", [](Scene& s) { return s.layer.GetArrays(s.arrays); }, {}, true},
+        {"KAccessLayer::GetArrays", [](Scene& s) { return s.layer.GetArrays(s.arrays); }},
         {"KAccessLayer::ValidateArray",
          [](Scene& s) { return s.layer.ValidateArray(s.address, s.key); },
          {{"List drives failed", "1", false}}},
@@ -267,7 +275,7 @@ const std::vector<Call>& Calls() {
          true},
         {"KVolume::GetVolumeName", [](Scene& s) { return s.volume->GetVolumeName(s.texts[0]); }},
         {"KVolume::GetVolumeDispName", [](Scene& s) { return s.volume->GetVolumeDispName(s.texts[0]); }},
-        {"KVolume::GetCgID", [](Scene& s) { return s.volume->GetCgID(s.texts[0]); }},
+        {"KVolume::GetCgID", [](Scene& s) { return List<KVolume*>(s.array).back()->GetCgID(s.texts[0]); }},
         {"KVolume::GetLatestSnapshotID", [](Scene& s) { return s.volume->GetLatestSnapshotID(s.texts[0]); }},
         {"KVolume::SetLatestSnapshotID",
          [](Scene& s) { return s.volume->SetLatestSnapshotID("an identifier of some length"); }},
@@ -286,6 +294,13 @@ const std::vector<Call>& Calls() {
          [](Scene&) {
              const KException one("a message of some length");
              const KException other(one);
+             return std::string(other.ErrorText()) == one.ErrorText() ? 0 : 1;
+         }},
+        {"KException::operator=",
+         [](Scene&) {
+             const KException one("a message of some length");
+             KException other("another message of some length");
+             other = one;
              return std::string(other.ErrorText()) == one.ErrorText() ? 0 : 1;
          }},
         {"KConnection::ParseVolumeXMLByName",

@@ -46,7 +46,7 @@ struct Scene {
 
     KVolume* found = nullptr;
     std::string* own = nullptr;
-    std::string texts[3];
+    std::string texts[3] = {"old", "old", "old"};
     std::list<std::string> names;
     std::list<KArray*> arrays;
     std::list<KVolumeRecord> volumeRecords;

@@ -61,9 +61,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-enum class Verdict { Crash, Hang, Unharmed, Threw, Wrong, Changed, Descriptor, NextCall, Left };
-constexpr const char* verdictNames[] = {"crash",   "hang",       "unharmed",  "threw", "wrong",
-                                        "changed", "descriptor", "next-call", "left"};
+enum class Verdict { Crash, Hang, Unharmed, Threw, Wrong, Changed, Descriptor, NextCall, Left, Held, Missed };
+constexpr const char* verdictNames[] = {"crash",      "hang",      "unharmed", "threw", "wrong", "changed",
+                                        "descriptor", "next-call", "left",     "held",  "missed"};
 
 constexpr const char* ownerNames[] = {"the library", "libxml2", "libcurl", "OpenSSL", "another"};
 
@@ -141,6 +141,7 @@ public:
     Trial(const Call& triedCall, Scene& triedScene) : call(triedCall), scene(triedScene) {}
 
     void Run(Point point, Reference* learnt) {
+        tried = point;
         known = scene.Known();
         given = scene.Given();
         const unsigned long descriptors = Testing::OpenDescriptors();
@@ -177,34 +178,40 @@ public:
     Verdict Judge(const Reference& reference, std::string& text) {
         const bool failed = threw || (status == call.failure && status != reference.status);
         text = scene.Known() + "  " + scene.Given();
-        Verdict verdict = failed ? Verdict::Threw : Verdict::Unharmed;
+        if (counted < tried.number) {
+            return Verdict::Missed;
+        }
         if (!failed && (status != reference.status || scene.Known() != reference.known.data() ||
                         scene.Given() != reference.given.data())) {
-            verdict = Verdict::Wrong;
-        } else if (failed && (scene.Known() != known || !GivenAsBefore(reference.given.data()))) {
-            verdict = Verdict::Changed;
-        } else if (!sameDescriptors) {
-            verdict = Verdict::Descriptor;
-        } else if (!NextWorks(reference.status)) {
-            verdict = Verdict::NextCall;
-        } else {
-            Clear();
-            for (const Owner owner : {Owner::Library, Owner::LibXml2, Owner::LibCurl, Owner::Other}) {
-                std::uint64_t first = 0;
-                if (Left(owner, first) > reference.left.at(static_cast<std::size_t>(owner))) {
-                    verdict = Verdict::Left;
-                    text = ownerNames[static_cast<std::size_t>(owner)] + std::string("'s allocation ") +
-                           std::to_string(first);
-                }
+            return Verdict::Wrong;
+        }
+        if (failed && (scene.Known() != known || !GivenAsBefore(reference.given.data()))) {
+            return Verdict::Changed;
+        }
+        if (!sameDescriptors) {
+            return Verdict::Descriptor;
+        }
+        if (!NextWorks(reference.status)) {
+            return Verdict::NextCall;
+        }
+        Clear();
+        for (const Owner owner : {Owner::Library, Owner::LibXml2, Owner::LibCurl, Owner::Other, Owner::OpenSsl}) {
+            std::uint64_t first = 0;
+            if (Left(owner, first) > reference.left.at(static_cast<std::size_t>(owner))) {
+                text =
+                    ownerNames[static_cast<std::size_t>(owner)] + std::string("'s allocation ") + std::to_string(first);
+                return owner == Owner::OpenSsl ? Verdict::Held : Verdict::Left;
             }
         }
-        return verdict;
+        return failed ? Verdict::Threw : Verdict::Unharmed;
     }
 
 private:
     bool GivenAsBefore(const std::string& afterwards) const {
         const std::string now = scene.Given();
-        return now == given || (call.partStays && (afterwards.starts_with(now) || afterwards == now));
+        const bool isPart = afterwards == now || (afterwards.starts_with(now) &&  // in whole entries
+                                                  (now.ends_with(';') || afterwards[now.size()] == ';'));
+        return now == given || (call.partStays && isPart);
     }
 
     bool NextWorks(int expected) {
@@ -234,6 +241,7 @@ private:
 
     const Call& call;
     Scene& scene;
+    Point tried;
     std::string known;
     std::string given;
     int status = -1;
@@ -291,6 +299,12 @@ public:
         return allKnown;
     }
 
+    /// @return whether the points were met; only handshakes differ by a few allocations from each other
+    bool AreMet() const {
+        std::cout << missed << " points were not met\n";
+        return missed <= verdicts.size();
+    }
+
     void Print() const {
         std::ofstream calls = Figures("memory");
         std::array<std::size_t, 4> all{};
@@ -344,12 +358,12 @@ private:
 
     /// @return all points, those that did no harm, those that threw, the others
     static std::array<std::size_t, 4> Row(std::map<Verdict, std::size_t> of) {
-        std::size_t points = 0;
-        for (const auto& [verdict, count] : of) {
-            points += count;
-        }
         const std::size_t unharmed = of[Verdict::Unharmed];
         const std::size_t threw = of[Verdict::Threw];
+        std::size_t points = 0;
+        for (const auto& [verdict, count] : of) {
+            points += verdict == Verdict::Missed ? 0 : count;
+        }
         return {points, unharmed, threw, points - unharmed - threw};
     }
 
@@ -449,6 +463,8 @@ private:
                                                                       place.find("valuePush") != std::string::npos);
         if (report.verdict == Verdict::Hang && inRequest) {
             place = "libcurl.so.4 and libssl.so.3, a handshake without end";  // met anywhere on its way
+        } else if (report.verdict == Verdict::Held) {
+            place = "libcrypto.so.3 and libssl.so.3, blocks of their own";
         } else if (inXPath && (report.verdict == Verdict::Crash || report.verdict == Verdict::Left)) {
             what = "crash or left";  // by what lies where it has freed a block and goes on with it
             place = "libxml2.so.2, an XPath evaluation";
@@ -459,7 +475,9 @@ private:
     void Note(const Call& call, const Slot& slot) {
         const Report& report = *slot.report;
         ++verdicts[call.name][report.verdict];
-        if (report.verdict != Verdict::Unharmed && report.verdict != Verdict::Threw) {
+        missed += report.verdict == Verdict::Missed ? 1 : 0;
+        if (report.verdict != Verdict::Unharmed && report.verdict != Verdict::Threw &&
+            report.verdict != Verdict::Missed) {
             const std::string what = DeviationOf(report);
             if (++deviations[what] <= 3) {
                 std::cout << call.name << ", allocation " << slot.point.number
@@ -478,6 +496,7 @@ private:
     nlohmann::json state;
     std::map<std::string, std::map<Verdict, std::size_t>> verdicts;
     std::map<std::string, std::size_t> deviations;
+    std::size_t missed = 0;
 };
 
 }  // namespace
@@ -493,7 +512,8 @@ int main(int argc, char** argv) try {
     Korvel::Torture::Torture torture(argc > 2 ? argv[2] : "");
     torture.TryAll();
     torture.Print();
-    return torture.AreKnown(argc > 1 ? argv[1] : "") ? 0 : 1;
+    const bool known = torture.AreKnown(argc > 1 ? argv[1] : "");
+    return torture.AreMet() && known ? 0 : 1;
 } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';
     return 1;

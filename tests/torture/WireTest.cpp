@@ -231,7 +231,7 @@ void WireTest::Try(const Call& call, const Reference& reference, std::size_t hit
     expected.resize(hit);
     expected.resize(hit + static_cast<std::size_t>(fault.seen), faulted);
     if (fault.armed.value("location", "") == nowhere) {
-        expected.back() = seen.back().substr(0, seen.back().find(' ')) + ' ' + nowhere;
+        expected.back() = reference.requests[hit].method + ' ' + nowhere;
     }
     if (outcome == "0") {
         expected.insert(expected.end(), after.begin(), after.end());
@@ -260,6 +260,21 @@ TEST_F(WireTest, EveryFaultAtEveryRequest) {
     std::ofstream out = Figures("wire");
     for (const auto& [name, fired] : figures) {
         out << "| `" << name << "` | " << fired << " |\n";
+    }
+}
+
+TEST_F(WireTest, NobodyListens) {
+    for (const Call& call : Calls()) {
+        if (call.requests.empty()) {
+            continue;
+        }
+        SCOPED_TRACE(call.name);
+        Scene scene("127.0.0.1:1", "key");
+        const std::string before = scene.Known() + scene.Given();
+        const unsigned long descriptors = Testing::OpenDescriptors();
+        EXPECT_EQ(Outcome([&] { return call.run(scene); }), "KException: Failed to perform curl action");
+        EXPECT_EQ(Testing::OpenDescriptors(), descriptors);
+        EXPECT_EQ(scene.Known() + scene.Given(), before);
     }
 }
 
