@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
 
 #include "foundation/KLimits.h"
 #include "foundation/Utilities.h"
+#include "foundation/registry/KRegistryKey.h"
 #include "model/KorvelAccessLibrary.h"
 #include "support/OpenDescriptors.h"
 #include "support/RecordingLogger.h"
@@ -124,6 +127,19 @@ TEST_F(KeptKeyTest, NamesAndValuesFitOrFail) {
     EXPECT_THROW(Utilities::GetArrayConfigData(fits, "AccessKey", value), KException);
     EXPECT_THROW(Utilities::GetArrayConfigData("absent", "AccessKey", value), KException);
     EXPECT_EQ(value, "a");
+    registry.SetBytes(fits, "AccessKey", 3, {'k'});
+    KRegistryKey key;
+    unsigned char stored[KMaxStoredValueSize];
+    std::size_t size = sizeof stored;
+    ASSERT_TRUE(key.Open((R"(software\KORVEL\hwprovider\)" + fits).c_str(), KRegistryKey::Access::QueryValue));
+    EXPECT_TRUE(key.ReadValue("accesskey", stored, size));
+    EXPECT_EQ(size, 1U);
+#if !defined(_WIN32)  // the registry itself stores no longer name, and no file
+    registry.AddArray(std::string(KSubkeyNameCapacity, 'm'));
+    EXPECT_THROW(Utilities::GetArrayIPList(addresses), KException);
+    std::ofstream(std::getenv("KORVEL_REGISTRY"), std::ios::app) << "no value\n";
+    EXPECT_THROW(Utilities::GetArrayConfigData(fits, "AccessKey", value), KException);
+#endif
 }
 
 #if defined(_WIN32)  // elsewhere an open key is memory, and the leak sanitizer's to count
@@ -182,6 +198,9 @@ TEST_F(KeptKeyTest, CopiesShareTheirArrays) {
         copy.GetArrays(shared);
         EXPECT_EQ(shared, own);
         copy = KAccessLayer();
+        EXPECT_THAT(
+            TakeRecords(),
+            testing::EndsWith("3 Entering KAccessLayer::~KAccessLayer()\n3 Exiting KAccessLayer::~KAccessLayer()\n"));
     }
     EXPECT_EQ(Addresses(layer), "a ");
 }

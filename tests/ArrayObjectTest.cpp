@@ -442,16 +442,20 @@ TEST(ObjectTest, CopiesShareWhatTheyOwn) {
         for (int round = 0; round < 2; ++round) {
             std::string *own = nullptr, *shared = nullptr;
             KConnection *ownConnection = nullptr, *sharedConnection = nullptr;
-            EXPECT_TRUE(array.GetIPAddress(own) == 0 && copy.GetIPAddress(shared) == 0 && own == shared);
-            EXPECT_TRUE(array.GetConnection(ownConnection) == 0 && copy.GetConnection(sharedConnection) == 0);
+            EXPECT_EQ(array.GetIPAddress(own) + copy.GetIPAddress(shared), 0);
+            EXPECT_EQ(own, shared);
+            EXPECT_EQ(array.GetConnection(ownConnection) + copy.GetConnection(sharedConnection), 0);
             EXPECT_EQ(ownConnection, sharedConnection);
             KVolume* found = nullptr;
             EXPECT_EQ(copy.GetVolumeByID("i", found), 0);
             EXPECT_EQ(found, volume);
             std::string text;
             EXPECT_EQ(copy.GetServerIDByIQN("q", text), 0);
-            EXPECT_TRUE(volume->GetVolumeID(own) == 0 && volumeCopy.GetVolumeID(shared) == 0 && own == shared);
-            EXPECT_TRUE(volume->GetCgIDPtr(own) == 0 && volumeCopy.GetCgIDPtr(shared) == 0 && own == shared);
+            EXPECT_EQ(volume->GetVolumeID(own) + volumeCopy.GetVolumeID(shared), 0);
+            EXPECT_EQ(own, shared);
+            EXPECT_EQ(volume->GetCgIDPtr(own) + volumeCopy.GetCgIDPtr(shared), 0);
+            EXPECT_EQ(own, shared);
+            EXPECT_EQ(*own, "g");
             EXPECT_EQ(Names(&volumeCopy), "i,n,d,g");
             EXPECT_EQ(volumeCopy.GetLatestSnapshotID(text), 0);
             EXPECT_EQ(text, "snap");
@@ -464,6 +468,7 @@ TEST(ObjectTest, CopiesShareWhatTheyOwn) {
             EXPECT_EQ(Names(&volumeCopy), "i2,n2,d2,g2");
             if (round == 0) {
                 copy = array;
+                volumeCopy.SetArray(nullptr);
                 volumeCopy = *volume;
             }
         }

@@ -218,11 +218,15 @@ TEST_F(ConnectionTest, WhatARequestHoldsIsReleasedBeforeItsLastLine) {
         return std::distance(begin(descriptors), end(descriptors));
     };
     std::list<KVolumeRecord> records;
+    std::list<KSnapshotRecord> snapshots;
+    std::string reply;
     const std::pair<int, std::function<int()>> calls[] = {
         {200, [&] { return connection->GetVolumesList(&records); }},
         {500, [&] { return connection->GetVolumesList(&records); }},
         {200, [&] { return connection->ListDrives(simulator.Address(), simulator.Key()); }},
         {500, [&] { return connection->ListDrives(simulator.Address(), simulator.Key()); }},
+        {500, [&] { return connection->ListServers(reply); }},
+        {500, [&] { return connection->GetSnapshotsList("g", &snapshots); }},
         {500, [&] { return connection->DeleteVolume("v"); }},
     };
     for (const auto& [status, call] : calls) {
@@ -251,7 +255,8 @@ TEST_F(ConnectionTest, RequestsCarryTheKeyAndNothingOfTheirOwn) {
     post.emplace_back("Content-Length", "12");
     post.emplace_back("Content-Type", "application/x-www-form-urlencoded");
     EXPECT_EQ(journal[1].headers, post);
-    EXPECT_TRUE(journal[0].newConnection && journal[1].newConnection);
+    EXPECT_TRUE(journal[0].newConnection);
+    EXPECT_TRUE(journal[1].newConnection);
 }
 
 /// A query, and what it logs around its exchange.

@@ -41,10 +41,7 @@ TEST_F(KorvelctlTest, ArraysAreConfiguredAndForgotten) {
         {"config remove \"\\\\\"", 2, "no array"},
         {"config remove", 64, "ADDRESS"},
         {"config add 10.0.0.9", 64, "--key-file or --key-stdin"},
-        {"config add 10.0.0.9 --key-stdin", 64, "is empty", "\n"},
         {"config add 10.0.0.9/x --key-stdin", 64, "'/'", "key"},
-        {"config add " + std::string(233, 'a') + " --key-stdin", 64, "at most 232", "key"},
-        {"config add 10.0.0.9 --key-stdin", 64, "at most 241", std::string(242, 'k')},
         {"config add 10.0.0.9 --key-stdin --json", 0, "\"added\"", std::string(241, 'k')},
         {"array validate {A}", 0, "accepted"},
     };
@@ -271,6 +268,7 @@ TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {
         {Entry(key) + Entry("\"accesskey\"=\"2\"\n"),
          ":5: array 10.0.0.1: the value 'accesskey' is given twice and differs"},
         {Entry("\"AccessKey\"=hex(1):31,00,32,00,00,00\n"), ":3: array 10.0.0.1: the AccessKey value is UTF-16"},
+        {Entry("\"AccessKey\"=\"unfinished\n"), ":3: text is not closed"},
         {Entry("\"AccessKey\"=dword:41\n"), ":3: array 10.0.0.1: the AccessKey value is a number"},
         // what looks like it and is in order
         {Entry(key + "\"AccessKey\"=-\n" + key), ""},
@@ -284,13 +282,6 @@ TEST_F(KorvelctlTest, TheConfigurationCheckNamesTheLineOfWhatIsHardlyMeant) {
     std::filesystem::permissions(RegistryPath(), std::filesystem::perms(0644));
     EXPECT_THAT(Run("config check"), EndsWith(1, HasSubstr("other users can read the file")));
     EXPECT_THAT(Run("config check --json").out, HasSubstr("other users can read the file"));
-}
-
-TEST_F(KorvelctlTest, TheConfigurationCheckNamesFileLineAndFault) {
-    std::ofstream(RegistryPath(), std::ios::app) << "\"AccessKey\"=\"unfinished\n";
-    const std::string text = ReadFile(RegistryPath());
-    const auto line = std::to_string(std::count(text.begin(), text.end(), '\n'));
-    EXPECT_THAT(Run("config check").err, HasSubstr(RegistryPath() + ":" + line + ": "));
 }
 
 #endif

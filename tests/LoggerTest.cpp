@@ -232,8 +232,9 @@ TEST_F(LoggerTest, WritesARecordWholeThroughASlowAndInterruptedPipe) {
         std::thread reader([&, writer = pthread_self()] {
             std::array<char, 4096> block;
             for (ssize_t count = 1; count > 0;) {
-                if (!written) {
+                for (int times = 0; times < 2 && !written; ++times) {
                     pthread_kill(writer, SIGUSR1);
+                    usleep(100);  // so that it meets both
                 }
                 count = read(ends[0], block.data(), block.size());
                 received.append(block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
@@ -249,10 +250,6 @@ TEST_F(LoggerTest, WritesARecordWholeThroughASlowAndInterruptedPipe) {
     for (const int flags : {0, O_NONBLOCK}) {
         EXPECT_EXIT(logThroughPipe(flags), testing::ExitedWithCode(0), "^$");
     }
-}
-#else
-TEST_F(LoggerTest, SurvivesAReaderThatIsGone) {
-    GTEST_SKIP() << "no signal of a broken pipe ends a process on Windows";
 }
 #endif
 

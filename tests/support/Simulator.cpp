@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
-#include <string_view>
 
 namespace Korvel::Testing {
 namespace {
@@ -16,25 +15,9 @@ std::size_t Append(char* bytes, std::size_t size, std::size_t count, void* text)
     return size * count;
 }
 
-std::string DecodeBase64(const std::string& text) {
-    static constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string bytes;
-    std::uint32_t bits = 0;
-    int count = 0;
-    for (const char c : text.substr(0, text.find('='))) {
-        bits = bits << 6U | static_cast<std::uint32_t>(digits.find(c));
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes += static_cast<char>(bits >> static_cast<unsigned>(count) & 0xFFU);
-        }
-    }
-    return bytes;
-}
-
-// Bytes that are no UTF-8 come as an object around a base64 text.
+// Bytes that are no UTF-8 come as an object around a base64 text, and stay one.
 std::string Bytes(const nlohmann::json& value) {
-    return value.is_string() ? value.get<std::string>() : DecodeBase64(value.at("base64").get<std::string>());
+    return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
 JournalEntry Entry(const nlohmann::json& value) {

@@ -19,7 +19,7 @@ struct JournalEntry {
     std::string target;                                        ///< path as it stood on the wire
     std::string version;                                       ///< "HTTP/1.1"
     std::vector<std::pair<std::string, std::string>> headers;  ///< in the order sent
-    std::string body;                                          ///< the body's bytes
+    std::string body;                                          ///< the body's bytes; as JSON if they are no UTF-8
     bool newConnection = false;                                ///< whether it was the first of its connection
     std::uint64_t fault = 0;                                   ///< number of the fault it met, 0 for none
 };

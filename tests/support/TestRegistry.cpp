@@ -51,11 +51,6 @@ public:
         Require(status);
     }
 
-    static void SetText(const std::string& address, const std::string& valueName, const std::string& text) {
-        const char* bytes = text.c_str();
-        Set(address, valueName, REG_SZ, std::vector<unsigned char>(bytes, bytes + text.size() + 1));
-    }
-
 private:
     static constexpr const char* root = "SOFTWARE\\Korvel\\HwProvider";
 
@@ -112,28 +107,12 @@ public:
             (void)std::snprintf(number, sizeof number, "%s%02x", index == 0 ? "" : ",", bytes[index]);
             data += number;
         }
-        SetData(address, valueName, data);
-    }
-
-    void SetText(const std::string& address, const std::string& valueName, const std::string& text) {
-        SetData(address, valueName, Quoted(text));
+        Append("[" + Key(address) + "]\n\"" + valueName + "\"=" + data + "\n");
     }
 
 private:
     static std::string Key(const std::string& address) {
         return R"(HKEY_LOCAL_MACHINE\SOFTWARE\Korvel\HwProvider)" + (address.empty() ? "" : "\\" + address);
-    }
-
-    void SetData(const std::string& address, const std::string& valueName, const std::string& data) {
-        Append("[" + Key(address) + "]\n" + Quoted(valueName) + "=" + data + "\n");
-    }
-
-    static std::string Quoted(const std::string& text) {
-        std::string quoted = "\"";
-        for (const char character : text) {
-            quoted += character == '"' || character == '\\' ? std::string("\\") + character : std::string(1, character);
-        }
-        return quoted + "\"";
     }
 
     // A change is a line more: the format removes and replaces, too.
@@ -181,7 +160,8 @@ void TestRegistry::Remove(const std::string& address) {
 }
 
 void TestRegistry::SetText(const std::string& address, const std::string& valueName, const std::string& text) {
-    store->SetText(address, valueName, text);
+    const char* bytes = text.c_str();
+    store->Set(address, valueName, 1, std::vector<unsigned char>(bytes, bytes + text.size() + 1));
 }
 
 void TestRegistry::SetBytes(const std::string& address, const std::string& valueName, unsigned long type,
