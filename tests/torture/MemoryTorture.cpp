@@ -1,9 +1,6 @@
 // Fails the allocations of every public call and every reader, one after the other: only that one, and that one with
 // all behind it. Each point has a process of its own, forked from one that is warm, so that a crash costs one point.
 
-#include <dlfcn.h>
-#include <libxml/xmlerror.h>
-#include <libxml/xpath.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,74 +11,27 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 
 #include "Logger.h"
-#include "support/OpenDescriptors.h"
 #include "support/TestRegistry.h"
 #include "torture/Calls.h"
 #include "torture/FailingMemory.h"
+#include "torture/Trial.h"
 
 // The logging library of another maker is not what is tried here.
 void Logger::Write(int, char*, char*, ...) {}
-
-namespace {
-
-// What a failed reading leaves behind on purpose, so that nothing else hides among it.
-xmlDocPtr lastDocument = nullptr;
-xmlXPathObjectPtr lastResult = nullptr;
-
-template <typename Function>
-Function* Real(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-}  // namespace
-
-extern "C" {
-
-xmlDocPtr xmlReadMemory(const char* text, int size, const char* url, const char* encoding, int options) {
-    static auto* const real = Real<decltype(xmlReadMemory)>("xmlReadMemory");
-    lastResult = nullptr;
-    return lastDocument = real(text, size, url, encoding, options);
-}
-
-xmlXPathObjectPtr xmlXPathEvalExpression(const xmlChar* text, xmlXPathContextPtr context) {
-    static auto* const real = Real<decltype(xmlXPathEvalExpression)>("xmlXPathEvalExpression");
-    return lastResult = real(text, context);
-}
-}
 
 namespace Korvel::Torture {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-enum class Verdict { Crash, Hang, Unharmed, Threw, Wrong, Changed, Descriptor, NextCall, Left, Held, Missed };
 constexpr const char* verdictNames[] = {"crash",      "hang",      "unharmed", "threw", "wrong", "changed",
                                         "descriptor", "next-call", "left",     "held",  "missed"};
-
-constexpr const char* ownerNames[] = {"the library", "libxml2", "libcurl", "OpenSSL", "another"};
-
-/// What a call does when nothing fails.
-struct Reference {
-    int status = -1;
-    std::array<char, 2048> known{};
-    std::array<char, 2048> given{};
-    std::uint64_t counted = 0;
-    std::array<std::size_t, std::size(ownerNames)> left{};
-    Clock::duration took{};
-    std::array<Owner, 65536> owners{};
-};
-
-struct Point {
-    std::uint64_t number = 0;
-    bool all = false;
-};
 
 /// What a child tells of its point, in memory it shares with its parent.
 struct Report {
@@ -106,12 +56,6 @@ Shared* Share() {
     return memory == MAP_FAILED ? throw std::bad_alloc() : new (memory) Shared;
 }
 
-template <std::size_t Capacity>
-void Store(std::array<char, Capacity>& text, const std::string& value) {
-    text.back() = '\0';
-    std::strncpy(text.data(), value.c_str(), Capacity - 1);
-}
-
 Report* ownReport = nullptr;
 
 /// Ends a child that crashed or was told to: only says where.
@@ -134,124 +78,6 @@ void CatchSignals() {
         sigaction(signal, &action, nullptr);
     }
 }
-
-/// Runs a call with a point that fails; everything that is to be compared is looked at before anything else runs.
-class Trial {
-public:
-    Trial(const Call& triedCall, Scene& triedScene) : call(triedCall), scene(triedScene) {}
-
-    void Run(Point point, Reference* learnt) {
-        tried = point;
-        known = scene.Known();
-        given = scene.Given();
-        const unsigned long descriptors = Testing::OpenDescriptors();
-        lastDocument = nullptr;
-        lastResult = nullptr;
-        const auto begin = Clock::now();
-        StartCounting(point.number, point.all, learnt != nullptr ? learnt->owners.data() : nullptr,
-                      learnt != nullptr ? learnt->owners.size() : 0);
-        try {
-            status = call.run(scene);
-        } catch (const std::exception&) {
-            threw = true;
-        }
-        counted = StopCounting();
-        took = Clock::now() - begin;
-        document = lastDocument;
-        result = lastResult;
-        sameDescriptors = Testing::OpenDescriptors() == descriptors;
-    }
-
-    void Teach(Reference& reference) {
-        Store(reference.known, scene.Known());
-        Store(reference.given, scene.Given());
-        reference.status = threw ? -1 : status;
-        reference.counted = counted;
-        reference.took = took;
-        Clear();
-        std::uint64_t first = 0;
-        for (std::size_t owner = 0; owner < reference.left.size(); ++owner) {
-            reference.left[owner] = Left(static_cast<Owner>(owner), first);
-        }
-    }
-
-    Verdict Judge(const Reference& reference, std::string& text) {
-        const bool failed = threw || (status == call.failure && status != reference.status);
-        text = scene.Known() + "  " + scene.Given();
-        if (counted < tried.number) {
-            return Verdict::Missed;
-        }
-        if (!failed && (status != reference.status || scene.Known() != reference.known.data() ||
-                        scene.Given() != reference.given.data())) {
-            return Verdict::Wrong;
-        }
-        if (failed && (scene.Known() != known || !GivenAsBefore(reference.given.data()))) {
-            return Verdict::Changed;
-        }
-        if (!sameDescriptors) {
-            return Verdict::Descriptor;
-        }
-        if (!NextWorks(reference.status)) {
-            return Verdict::NextCall;
-        }
-        Clear();
-        for (const Owner owner : {Owner::Library, Owner::LibXml2, Owner::LibCurl, Owner::Other, Owner::OpenSsl}) {
-            std::uint64_t first = 0;
-            if (Left(owner, first) > reference.left.at(static_cast<std::size_t>(owner))) {
-                text =
-                    ownerNames[static_cast<std::size_t>(owner)] + std::string("'s allocation ") + std::to_string(first);
-                return owner == Owner::OpenSsl ? Verdict::Held : Verdict::Left;
-            }
-        }
-        return failed ? Verdict::Threw : Verdict::Unharmed;
-    }
-
-private:
-    bool GivenAsBefore(const std::string& afterwards) const {
-        const std::string now = scene.Given();
-        const bool isPart = afterwards == now || (afterwards.starts_with(now) &&  // in whole entries
-                                                  (now.ends_with(';') || afterwards[now.size()] == ';'));
-        return now == given || (call.partStays && isPart);
-    }
-
-    bool NextWorks(int expected) {
-        try {
-            if (std::string(call.name).find("::Global") != std::string::npos) {
-                KAccessLayer::GlobalInit();
-                return NextCall(scene) == 0;
-            }
-            return (call.requests.empty() ? call.run(scene) : NextCall(scene)) ==
-                   (call.requests.empty() ? expected : 0);
-        } catch (const std::exception&) {
-            return false;
-        }
-    }
-
-    /// Frees what belongs to the caller and what is left behind on purpose.
-    void Clear() {
-        scene.~Scene();
-        if (threw && IsHeld(result)) {
-            xmlXPathFreeObject(result);
-        }
-        if (threw && IsHeld(document)) {
-            xmlFreeDoc(document);
-        }
-        xmlResetLastError();
-    }
-
-    const Call& call;
-    Scene& scene;
-    Point tried;
-    std::string known;
-    std::string given;
-    int status = -1;
-    bool threw = false;
-    bool sameDescriptors = false;
-    std::uint64_t counted = 0;
-    Clock::duration took{};
-    xmlDocPtr document = nullptr;
-    xmlXPathObjectPtr result = nullptr;
-};
 
 class Torture {
 public:
