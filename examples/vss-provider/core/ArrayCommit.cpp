@@ -93,6 +93,17 @@ ArrayCommit::ArrayCommit(ArrayWorker& onArray, Log writeLog) : worker(onArray), 
     request->log = std::move(writeLog);
 }
 
+ArrayCommit::~ArrayCommit() {
+    if (!answer.valid()) {
+        return;
+    }
+    try {
+        GiveUp();
+    } catch (const std::exception&) {
+        // There was no memory for a task, so there is none for a word in the log.
+    }
+}
+
 void ArrayCommit::Add(SnapshotItem& item) {
     items.push_back(&item);
     request->anySource = item.sourceId;
@@ -111,18 +122,26 @@ void ArrayCommit::Await(std::chrono::steady_clock::time_point deadline) {
 std::string ArrayCommit::Finish() {
     const std::lock_guard lock(request->mutex);
     if (!request->ended) {
-        request->abandoned = true;
         return "; array " + request->array + " does not answer in time";
     }
     if (!request->failure.empty()) {
-        worker.Post([request = request](Korvel::KArray& array) { request->RemoveTaken(array); });
         return "; array " + request->array + ": " + request->failure;
     }
     auto snapshot = request->taken.begin();  // the array names them in the order of the volumes
     for (SnapshotItem* item : items) {
-        item->snapshot = *snapshot++;
+        item->snapshot.swap(*snapshot++);
     }
+    answer = {};
     return "";
+}
+
+void ArrayCommit::GiveUp() {
+    const std::lock_guard lock(request->mutex);
+    if (request->ended) {
+        worker.Post([request = request](Korvel::KArray& array) { request->RemoveTaken(array); });
+    } else {
+        request->abandoned = true;
+    }
 }
 
 }  // namespace VssExample
