@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
+#include <new>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -12,6 +14,27 @@
 #include "provider/ProviderUnderTest.h"
 #include "support/Simulator.h"
 #include "support/TestRegistry.h"
+
+#ifndef _WIN32  // there the provider is a DLL, whose allocations are its own
+
+namespace {
+thread_local std::size_t allocationsLeft = 0;  // the last of them fails; 0: none does
+}
+
+void* operator new(std::size_t size) {
+    void* const memory = allocationsLeft != 0 && --allocationsLeft == 0 ? nullptr : std::malloc(size);
+    return memory == nullptr ? throw std::bad_alloc() : memory;
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+#endif
 
 namespace VssExample {
 namespace {
@@ -273,6 +296,30 @@ TEST_F(ProviderTest, AFailureOfAnyRequestLeavesNothingThatTheLogDoesNotName) {
         }
     }
 }
+
+#ifndef _WIN32
+
+TEST_F(ProviderTest, ALackOfMemoryWhileWritersHoldStillLeavesNothing) {
+    bool everyOneHasFailed = false;
+    for (std::size_t allocation = 1; !everyOneHasFailed; ++allocation) {
+        SCOPED_TRACE(allocation);
+        const auto provider = ProviderUnderTest::Make();
+        std::vector<Step> steps = Cycle(firstSet);
+        steps.resize(steps.size() - 4);  // the next one takes the snapshots
+        ASSERT_EQ(Run(*provider, steps), "");
+        allocationsLeft = allocation;
+        try {
+            EXPECT_EQ(provider->CommitSnapshots(firstSet), "ok");
+            everyOneHasFailed = allocationsLeft != 0;
+        } catch (const std::bad_alloc&) {  // what a caller is to be told
+        }
+        allocationsLeft = 0;
+        EXPECT_EQ(provider->OnUnload(), "ok");
+        EXPECT_EQ(Contents(), before);
+    }
+}
+
+#endif
 
 TEST_F(ProviderTest, AnArrayThatHangsFailsTheSetInTimeAndIsCleanedUpLate) {
     const auto provider = ProviderUnderTest::Make();
